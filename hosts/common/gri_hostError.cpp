@@ -1,0 +1,41 @@
+#include "hosts/common/gri_hostError.h"
+
+#include <string_view>
+
+namespace {
+
+/// Words for the statuses that have no row in the library's table; null for all others.
+const char* ownWords(GR_STATUS status) {
+  switch (status) {
+    case GRIC_STATUS_OUT_OF_RANGE:
+      return "number out of range";
+    case GRIC_STATUS_NO_MEMORY:
+      return "not enough memory";
+    case GRIC_STATUS_NULL_ARGUMENT:
+      return "required argument missing";
+    default:
+      return nullptr;
+  }
+}
+
+}  // namespace
+
+GRIHostError gri_hostErrorOf(GR_STATUS status) {
+  if (status == GRIC_STATUS_OK) return {};
+  if (const char* words = ownWords(status)) return {status, words};
+  const char* message =
+      gri_hostCall([&] { return getLastStatusString(status); }, static_cast<const char*>(nullptr));
+  std::string text = message == nullptr ? "unknown status" : message;
+  // The number has a place of its own.
+  const std::string number = " [" + std::to_string(status) + "]";
+  if (text.ends_with(number)) text.resize(text.size() - number.size());
+  return {status, text};
+}
+
+GRIHostMessages::GRIHostMessages() {
+  m_isOurs = gri_hostStatusOf([] { return initializeStatusStrings(); }) == GRIC_STATUS_OK;
+}
+
+GRIHostMessages::~GRIHostMessages() {
+  if (m_isOurs) gri_hostStatusOf([] { return terminateStatusStrings(); });
+}
