@@ -51,8 +51,10 @@ class GRIODynamicMemStream : public GRIOStreamInf {
 
  private:
   struct Deleter {
-    GRIOFreeFunction free = nullptr;
+    Deleter() : free(nullptr) {}
+    explicit Deleter(GRIOFreeFunction freeFunc) : free(freeFunc) {}
     void operator()(gr_uint8* data) const { free(data); }
+    GRIOFreeFunction free;
   };
 
   // Makes room for data up to `end`.

@@ -4,6 +4,7 @@
 /// else.
 #pragma once
 
+#include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <new>
@@ -13,6 +14,11 @@
 
 #include "gr_lib_utils/include/gr_status.h"
 #include "gr_lib_utils/include/gr_types.h"
+
+/// Blocks of bytes for what has to grow in place; the functions of the C library.
+inline void* gr_allocBytes(size_t bytes) { return std::malloc(bytes); }
+inline void* gr_reallocBytes(void* block, size_t bytes) { return std::realloc(block, bytes); }
+inline void gr_freeBytes(void* block) { std::free(block); }
 
 /// A new T, or null when memory runs out.
 template <typename T, typename... Args>

@@ -5,6 +5,7 @@
 #include <cstdio>
 
 #include "gr_lib_utils/include/gr_ioStream.h"
+#include "gr_lib_utils/include/gr_status.h"
 
 /// A thin wrapper of a C file that it doesn't own: never opens it, never closes it. Positions are
 /// limited to 31 bits.

@@ -1,0 +1,139 @@
+#include "gr_lib_utils/include/gr_statusStrings.h"
+
+#include <array>
+#include <cstdio>
+#include <cstring>
+
+#include "gr_lib_utils/include/gr_fileSpec.h"
+#include "gr_lib_utils/include/gr_memory.h"
+#include "gr_lib_utils/include/gr_status.h"
+#include "gr_lib_utils/include/gr_statusData.h"
+
+namespace {
+
+constexpr size_t MESSAGE_BYTES = 4096;  // the longest message with its zero
+constexpr char FAILED_POP[] = "?";
+
+/// Text of a limited length: what doesn't fit is cut.
+class BoundedText {
+ public:
+  BoundedText(char* buffer, size_t capacity) : m_buffer(buffer), m_left(capacity - 1) {
+    *m_buffer = 0;
+  }
+
+  void append(char character) { append(&character, 1); }
+  void append(const char* text) { append(text, std::strlen(text)); }
+  void append(const char* text, size_t length) {
+    const size_t taken = length < m_left ? length : m_left;
+    std::memcpy(m_buffer, text, taken);
+    m_buffer += taken;
+    m_left -= taken;
+    *m_buffer = 0;
+  }
+
+ private:
+  char* m_buffer;  // the end of the text, where its zero stands
+  size_t m_left;   // bytes that can still be appended
+};
+
+template <typename T>
+void appendFormatted(BoundedText& text, const char* format, T value) {
+  std::array<char, 512> scratch{};  // "%f" takes at most 317 characters
+  static_cast<void>(std::snprintf(scratch.data(), scratch.size(), format, value));
+  text.append(scratch.data());
+}
+
+bool isPlaceholder(char character) {
+  return character != 0 && std::strchr("Fdfsu", character) != nullptr;
+}
+
+/// Takes one record from the frame that is being read; one that isn't of the wanted type stays.
+void appendRecord(BoundedText& text, char placeholder) {
+  switch (placeholder) {
+    case 'd': {
+      gr_int32 value = 0;
+      if (!GR_SUCCESS(GRUtilStatusData::popInt32(value))) break;
+      return appendFormatted(text, "%d", value);
+    }
+    case 'u': {
+      gr_uint32 value = 0;
+      if (!GR_SUCCESS(GRUtilStatusData::popUint32(value))) break;
+      return appendFormatted(text, "%u", value);
+    }
+    case 'f': {
+      double value = 0;
+      if (!GR_SUCCESS(GRUtilStatusData::popDouble(value))) break;
+      return appendFormatted(text, "%f", value);
+    }
+    case 's': {
+      GRArray<char> value;
+      if (!GR_SUCCESS(GRUtilStatusData::popString(value))) break;
+      return value.empty() ? void() : text.append(value.data());
+    }
+    default: {
+      GRFileSpec value;
+      if (!GR_SUCCESS(GRUtilStatusData::popFileSpec(value))) break;
+      return text.append(value.utf8());
+    }
+  }
+  text.append(FAILED_POP);
+}
+
+}  // namespace
+
+const char* gr_rawStatusString(GR_STATUS status) {
+  for (const GRStatusRow& row : gr_statusTable()) {
+    if (row.status == status) return row.message;
+  }
+  return "unknown status";
+}
+
+GR_STATUS gr_expandStatusMessage(GR_STATUS status, const char* message, char* output,
+                                 size_t capacity) {
+  BoundedText text(output, capacity);
+  bool isFrameTaken = false;
+  for (; *message != 0; ++message) {
+    if (*message != '%') {
+      text.append(*message);
+      continue;
+    }
+    const char placeholder = *++message;
+    if (placeholder == 0) break;
+    if (!isPlaceholder(placeholder)) {
+      text.append(placeholder);
+      continue;
+    }
+    if (!isFrameTaken) {
+      GR_STATUS frameStatus = GR_STATUS_OK;
+      GR_RETURN_IF_FAILED(GRUtilStatusData::popStatus(frameStatus));
+      if (frameStatus != status) return GR_STATUS_FAILURE;
+      isFrameTaken = true;
+    }
+    appendRecord(text, placeholder);
+  }
+  return isFrameTaken ? GRUtilStatusData::popEnd() : GR_STATUS_OK;
+}
+
+const char* gr_lastStatusString(GR_STATUS status) {
+  static std::array<char, MESSAGE_BYTES> buffer;
+  std::array<char, 16> number{};
+  const int numberLength =
+      std::snprintf(number.data(), number.size(), " [%d]", static_cast<gr_int32>(status));
+  // The number always has its place; a long text is cut before it.
+  const size_t capacity = buffer.size() - static_cast<size_t>(numberLength);
+
+  const char* const message = gr_rawStatusString(status);
+  if (GRUtilStatusData::exists()) {
+    const GR_STATUS result = gr_expandStatusMessage(status, message, buffer.data(), capacity);
+    if (!GR_SUCCESS(result)) {
+      static_cast<void>(std::snprintf(buffer.data(), capacity,
+                                      "error retrieving status string (%d)",
+                                      static_cast<gr_int32>(result)));
+    }
+  } else {
+    BoundedText(buffer.data(), capacity).append(message);
+  }
+  const size_t length = std::strlen(buffer.data());
+  std::memcpy(buffer.data() + length, number.data(), static_cast<size_t>(numberLength) + 1);
+  return buffer.data();
+}
