@@ -2,13 +2,15 @@
 /// GRIMask, a set of pixels held as runs of columns, row by row.
 #pragma once
 
+#include <utility>
+
 #include "gr_lib_utils/include/gr_memory.h"
 #include "gr_lib_utils/include/gr_types.h"
 
 /// The columns from `first` to `last`, both in the run.
 struct GRIMaskRun {
-  gr_int32 first = 0;
-  gr_int32 last = 0;
+  gr_int32 first;
+  gr_int32 last;
 
   bool operator==(const GRIMaskRun&) const = default;
 };
@@ -17,6 +19,13 @@ struct GRIMaskRun {
 class GRIMaskRow {
  public:
   GRIMaskRow() = default;  // an empty row, without memory
+  GRIMaskRow(GRIMaskRow&& other) noexcept
+      : m_runs(std::move(other.m_runs)), m_count(std::exchange(other.m_count, 0)) {}
+  GRIMaskRow& operator=(GRIMaskRow&& other) noexcept {
+    m_runs = std::move(other.m_runs);
+    m_count = std::exchange(other.m_count, 0);
+    return *this;
+  }
 
   /// Makes room for `length` runs, of which none is there yet.
   /// @param length  above 0

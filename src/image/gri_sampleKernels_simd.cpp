@@ -1,0 +1,200 @@
+#include <bit>
+#include <cassert>
+#include <cstring>
+
+#include "image/gri_sampleKernels.h"
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "image/gri_sampleKernels_simd.cpp"
+#include <hwy/foreach_target.h>
+#include <hwy/highway.h>
+
+HWY_BEFORE_NAMESPACE();
+namespace gri {
+namespace HWY_NAMESPACE {
+namespace hn = hwy::HWY_NAMESPACE;
+
+/// The first `done` pixels of `interleaved` are split; the scalar loop takes the rest.
+void SplitRest(const gr_uint8* interleaved, size_t done, size_t numPixels, size_t numBands,
+               size_t sampleBytes, void* const* planes) {
+  if (done == numPixels) return;
+  void* rest[4];
+  for (size_t band = 0; band < numBands; ++band) {
+    rest[band] = static_cast<gr_uint8*>(planes[band]) + done * sampleBytes;
+  }
+  gri_splitBandsScalar(interleaved + done * numBands * sampleBytes, numPixels - done, numBands,
+                       sampleBytes, rest);
+}
+
+void JoinRest(const void* const* planes, size_t done, size_t numPixels, size_t numBands,
+              size_t sampleBytes, gr_uint8* interleaved) {
+  if (done == numPixels) return;
+  const void* rest[4];
+  for (size_t band = 0; band < numBands; ++band) {
+    rest[band] = static_cast<const gr_uint8*>(planes[band]) + done * sampleBytes;
+  }
+  gri_joinBandsScalar(rest, numPixels - done, numBands, sampleBytes,
+                      interleaved + done * numBands * sampleBytes);
+}
+
+// Pointers to samples may be unaligned: they go to Highway's unaligned loads and stores only.
+
+template <typename T>
+void SplitVector(const gr_uint8* interleaved, size_t numPixels, size_t numBands,
+                 void* const* planes) {
+  const hn::ScalableTag<T> d;
+  const size_t lanes = hn::Lanes(d);
+  const T* from = reinterpret_cast<const T*>(interleaved);
+  T* const p0 = static_cast<T*>(planes[0]);
+  T* const p1 = static_cast<T*>(planes[1]);
+  T* const p2 = numBands > 2 ? static_cast<T*>(planes[2]) : nullptr;
+  T* const p3 = numBands > 3 ? static_cast<T*>(planes[3]) : nullptr;
+  hn::Vec<decltype(d)> v0, v1, v2, v3;
+  size_t i = 0;
+  if (numBands == 2) {
+    for (; i + lanes <= numPixels; i += lanes) {
+      hn::LoadInterleaved2(d, from + 2 * i, v0, v1);
+      hn::StoreU(v0, d, p0 + i);
+      hn::StoreU(v1, d, p1 + i);
+    }
+  } else if (numBands == 3) {
+    for (; i + lanes <= numPixels; i += lanes) {
+      hn::LoadInterleaved3(d, from + 3 * i, v0, v1, v2);
+      hn::StoreU(v0, d, p0 + i);
+      hn::StoreU(v1, d, p1 + i);
+      hn::StoreU(v2, d, p2 + i);
+    }
+  } else {
+    for (; i + lanes <= numPixels; i += lanes) {
+      hn::LoadInterleaved4(d, from + 4 * i, v0, v1, v2, v3);
+      hn::StoreU(v0, d, p0 + i);
+      hn::StoreU(v1, d, p1 + i);
+      hn::StoreU(v2, d, p2 + i);
+      hn::StoreU(v3, d, p3 + i);
+    }
+  }
+  SplitRest(interleaved, i, numPixels, numBands, sizeof(T), planes);
+}
+
+template <typename T>
+void JoinVector(const void* const* planes, size_t numPixels, size_t numBands,
+                gr_uint8* interleaved) {
+  const hn::ScalableTag<T> d;
+  const size_t lanes = hn::Lanes(d);
+  T* to = reinterpret_cast<T*>(interleaved);
+  const T* const p0 = static_cast<const T*>(planes[0]);
+  const T* const p1 = static_cast<const T*>(planes[1]);
+  const T* const p2 = numBands > 2 ? static_cast<const T*>(planes[2]) : nullptr;
+  const T* const p3 = numBands > 3 ? static_cast<const T*>(planes[3]) : nullptr;
+  size_t i = 0;
+  if (numBands == 2) {
+    for (; i + lanes <= numPixels; i += lanes) {
+      hn::StoreInterleaved2(hn::LoadU(d, p0 + i), hn::LoadU(d, p1 + i), d, to + 2 * i);
+    }
+  } else if (numBands == 3) {
+    for (; i + lanes <= numPixels; i += lanes) {
+      hn::StoreInterleaved3(hn::LoadU(d, p0 + i), hn::LoadU(d, p1 + i), hn::LoadU(d, p2 + i), d,
+                            to + 3 * i);
+    }
+  } else {
+    for (; i + lanes <= numPixels; i += lanes) {
+      hn::StoreInterleaved4(hn::LoadU(d, p0 + i), hn::LoadU(d, p1 + i), hn::LoadU(d, p2 + i),
+                            hn::LoadU(d, p3 + i), d, to + 4 * i);
+    }
+  }
+  JoinRest(planes, i, numPixels, numBands, sizeof(T), interleaved);
+}
+
+void SplitBands(const void* interleaved, size_t numPixels, size_t numBands, size_t sampleBytes,
+                void* const* planes) {
+  const gr_uint8* from = static_cast<const gr_uint8*>(interleaved);
+  switch (sampleBytes) {
+    case 1:
+      return SplitVector<gr_uint8>(from, numPixels, numBands, planes);
+    case 2:
+      return SplitVector<gr_uint16>(from, numPixels, numBands, planes);
+    default:
+      return SplitVector<gr_uint32>(from, numPixels, numBands, planes);
+  }
+}
+
+void JoinBands(const void* const* planes, size_t numPixels, size_t numBands, size_t sampleBytes,
+               void* interleaved) {
+  gr_uint8* to = static_cast<gr_uint8*>(interleaved);
+  switch (sampleBytes) {
+    case 1:
+      return JoinVector<gr_uint8>(planes, numPixels, numBands, to);
+    case 2:
+      return JoinVector<gr_uint16>(planes, numPixels, numBands, to);
+    default:
+      return JoinVector<gr_uint32>(planes, numPixels, numBands, to);
+  }
+}
+
+void CopySwapped(const void* from, size_t numSamples, size_t sampleBytes, void* to) {
+  const gr_uint8* source = static_cast<const gr_uint8*>(from);
+  gr_uint8* target = static_cast<gr_uint8*>(to);
+  const size_t numBytes = numSamples * sampleBytes;
+  size_t i = 0;
+#if HWY_TARGET != HWY_SCALAR  // which has no shuffles of bytes
+  // Within each 16 bytes, byte k comes from the mirrored place of its sample.
+  HWY_ALIGN gr_uint8 order[HWY_MAX_BYTES];
+  for (size_t k = 0; k < sizeof(order); ++k) {
+    order[k] = static_cast<gr_uint8>((k % 16) ^ (sampleBytes - 1));
+  }
+  const hn::ScalableTag<gr_uint8> d;
+  const size_t lanes = hn::Lanes(d);
+  const auto mirrored = hn::Load(d, order);
+  for (; i + lanes <= numBytes; i += lanes) {
+    hn::StoreU(hn::TableLookupBytes(hn::LoadU(d, source + i), mirrored), d, target + i);
+  }
+#endif
+  gri_copySwappedScalar(source + i, (numBytes - i) / sampleBytes, sampleBytes, target + i);
+}
+
+}  // namespace HWY_NAMESPACE
+}  // namespace gri
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace gri {
+HWY_EXPORT(SplitBands);
+HWY_EXPORT(JoinBands);
+HWY_EXPORT(CopySwapped);
+}  // namespace gri
+
+void gri_splitBands(const void* interleaved, size_t numPixels, size_t numBands, size_t sampleBytes,
+                    void* const* planes) {
+  if (numBands == 1) {
+    if (numPixels != 0) std::memcpy(planes[0], interleaved, numPixels * sampleBytes);
+  } else if (numBands <= 4 && sampleBytes <= 4) {
+    HWY_DYNAMIC_DISPATCH(gri::SplitBands)(interleaved, numPixels, numBands, sampleBytes, planes);
+  } else {
+    gri_splitBandsScalar(interleaved, numPixels, numBands, sampleBytes, planes);
+  }
+}
+
+void gri_joinBands(const void* const* planes, size_t numPixels, size_t numBands, size_t sampleBytes,
+                   void* interleaved) {
+  if (numBands == 1) {
+    if (numPixels != 0) std::memcpy(interleaved, planes[0], numPixels * sampleBytes);
+  } else if (numBands <= 4 && sampleBytes <= 4) {
+    HWY_DYNAMIC_DISPATCH(gri::JoinBands)(planes, numPixels, numBands, sampleBytes, interleaved);
+  } else {
+    gri_joinBandsScalar(planes, numPixels, numBands, sampleBytes, interleaved);
+  }
+}
+
+void gri_copySwapped(const void* from, size_t numSamples, size_t sampleBytes, void* to) {
+  if (sampleBytes == 1) return gri_copySwappedScalar(from, numSamples, sampleBytes, to);
+  HWY_DYNAMIC_DISPATCH(gri::CopySwapped)(from, numSamples, sampleBytes, to);
+}
+
+void gri_copyFromBigEndian(const void* from, size_t numSamples, size_t sampleBytes, void* to) {
+  if constexpr (std::endian::native == std::endian::little) {
+    gri_copySwapped(from, numSamples, sampleBytes, to);
+  } else if (numSamples != 0) {
+    std::memmove(to, from, numSamples * sampleBytes);
+  }
+}
+#endif  // HWY_ONCE
