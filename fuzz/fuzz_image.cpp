@@ -1,0 +1,187 @@
+#include "fuzz/fuzz_image.h"
+
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <vector>
+
+namespace fuzz {
+namespace {
+
+constexpr double WINDOW_SIDE = 96.0;  // pixels; a window's cost is bounded by it
+constexpr std::size_t MOST_BANDS = 16;
+
+std::size_t bytesPerSample(gr_int32 dataType) {
+  switch (dataType) {
+    case GRIC_DATATYPE_UINT8:
+    case GRIC_DATATYPE_SINT8:
+      return 1;
+    case GRIC_DATATYPE_UINT16:
+    case GRIC_DATATYPE_SINT16:
+      return 2;
+    case GRIC_DATATYPE_UINT32:
+    case GRIC_DATATYPE_SINT32:
+    case GRIC_DATATYPE_FLOAT32:
+      return 4;
+    default:
+      return 8;
+  }
+}
+
+/// Reads the bytes of every record to its claimed end, so that a record that promises more than
+/// it holds is seen.
+std::size_t sumOfMetadata(gric_image image) {
+  std::size_t sum = 0;
+  const gr_uint32 count = gric_getNumMetadataRecords(image);
+  for (gr_uint32 i = 0; i < count; ++i) {
+    const char* tag = nullptr;
+    gr_int32 type = 0;
+    gr_uint32 numDims = 0;
+    const gr_uint32* dims = nullptr;
+    const void* data = nullptr;
+    if (gric_getMetadataRecord(image, i, &tag, &type, &numDims, &dims, &data) != 0) std::abort();
+    std::size_t elements = 1;
+    for (gr_uint32 d = 0; d < numDims; ++d) elements *= dims[d];
+    sum += std::strlen(tag);
+    if (type == GRIC_METADATA_DATATYPE_ASCII) {
+      const char* const* texts = static_cast<const char* const*>(data);
+      for (std::size_t e = 0; e < elements; ++e) sum += std::strlen(texts[e]);
+    } else {
+      static constexpr std::size_t BYTES[] = {0, 1, 1, 2, 2, 4, 4, 8, 8, 4, 8};
+      const unsigned char* bytes = static_cast<const unsigned char*>(data);
+      for (std::size_t b = 0; b < elements * BYTES[type]; ++b) sum += bytes[b];
+    }
+  }
+  return sum;
+}
+
+void decodeWindow(gric_image image, double x, double y, double magnification) {
+  gr_uint32 width = 0;
+  gr_uint32 height = 0;
+  if (gric_getDimsAtMag(image, magnification, &width, &height) != 0) return;
+  x = std::floor(x * width);
+  y = std::floor(y * height);
+  const double w = std::min(WINDOW_SIDE, width - x);
+  const double h = std::min(WINDOW_SIDE, height - y);
+  const std::size_t bands = gric_getNumBands(image);
+  if (bands > MOST_BANDS) return;
+  const std::size_t plane =
+      static_cast<std::size_t>(WINDOW_SIDE * WINDOW_SIDE) * bytesPerSample(gric_getDataType(image));
+  // Exactly as large as promised, so that a sanitizer sees a write past the end.
+  std::vector<std::unique_ptr<std::uint8_t[]>> planes;
+  std::vector<void*> pointers;
+  for (std::size_t b = 0; b < bands; ++b) {
+    planes.push_back(std::make_unique<std::uint8_t[]>(plane));
+    pointers.push_back(planes.back().get());
+  }
+  static_cast<void>(gric_decode(image, x, y, w, h, magnification, pointers.data()));
+}
+
+}  // namespace
+
+MemoryFile::MemoryFile(std::span<const std::uint8_t> bytes) {
+  m_descriptor = memfd_create("fuzz", 0);
+  std::size_t written = 0;
+  while (written < bytes.size()) {
+    const ssize_t n = write(m_descriptor, bytes.data() + written, bytes.size() - written);
+    if (n <= 0) std::abort();
+    written += static_cast<std::size_t>(n);
+  }
+  m_path = "/proc/self/fd/" + std::to_string(m_descriptor);
+}
+
+MemoryFile::~MemoryFile() { close(m_descriptor); }
+
+/// The data, and the positions of all streams on it (the library never frees a user pointer that
+/// `duplicate` made, so they are kept here).
+struct MemoryStream::Shared {
+  struct Cursor {
+    Shared* shared;
+    std::size_t position = 0;
+    bool open = false;
+    bool eof = false;
+  };
+  std::span<const std::uint8_t> bytes;
+  std::vector<std::unique_ptr<Cursor>> cursors;
+
+  Cursor* add() {
+    cursors.push_back(std::make_unique<Cursor>(Cursor{this}));
+    return cursors.back().get();
+  }
+};
+
+namespace {
+
+using Cursor = MemoryStream::Shared::Cursor;
+Cursor& cursor(void* user) { return *static_cast<Cursor*>(user); }
+
+gr_int32 openCursor(void* user) {
+  cursor(user).open = true;
+  cursor(user).position = 0;
+  return 0;
+}
+gr_int32 closeCursor(void* user) {
+  cursor(user).open = false;
+  return 0;
+}
+gr_uint32 readCursor(void* user, gr_uint8* buffer, gr_uint32 length) {
+  Cursor& c = cursor(user);
+  const std::size_t size = c.shared->bytes.size();
+  const std::size_t left = c.position < size ? size - c.position : 0;
+  const std::size_t n = std::min<std::size_t>(left, length);
+  if (n > 0) std::memcpy(buffer, c.shared->bytes.data() + c.position, n);
+  c.position += n;
+  c.eof = n < length;
+  return static_cast<gr_uint32>(n);
+}
+gr_uint32 writeCursor(void*, const gr_uint8*, gr_uint32) { return 0; }
+gr_int32 seekCursor(void* user, gr_int64 offset, gr_int32 origin) {
+  Cursor& c = cursor(user);
+  gr_int64 base = 0;
+  if (origin == GRIC_SEEK_CURRENT) base = static_cast<gr_int64>(c.position);
+  if (origin == GRIC_SEEK_END) base = static_cast<gr_int64>(c.shared->bytes.size());
+  gr_int64 target = 0;
+  if (__builtin_add_overflow(base, offset, &target) || target < 0) return 1;
+  c.position = static_cast<std::size_t>(target);
+  c.eof = false;
+  return 0;
+}
+gr_int64 tellCursor(void* user) { return static_cast<gr_int64>(cursor(user).position); }
+gr_uint8 isEofCursor(void* user) { return cursor(user).eof ? 1 : 0; }
+gr_uint8 isOpenCursor(void* user) { return cursor(user).open ? 1 : 0; }
+void* duplicateCursor(void* user) { return cursor(user).shared->add(); }
+
+}  // namespace
+
+MemoryStream::MemoryStream(std::span<const std::uint8_t> bytes)
+    : m_shared(std::make_unique<Shared>()) {
+  m_shared->bytes = bytes;
+  m_stream.reset(gr_ioCallbackStreamCreate(openCursor, closeCursor, readCursor, writeCursor,
+                                           seekCursor, tellCursor, isEofCursor, isOpenCursor,
+                                           duplicateCursor, m_shared->add()));
+}
+
+MemoryStream::~MemoryStream() = default;
+
+void exercise(gric_image image) {
+  if (gric_getWidth(image) == 0 || gric_getHeight(image) == 0) std::abort();
+  volatile std::size_t sink = sumOfMetadata(image);
+  volatile double geo = gric_getGeoXOrigin(image) + gric_getGeoYOrigin(image) +
+                        gric_getGeoXResolution(image) + gric_getGeoYResolution(image) +
+                        gric_getGeoXRotation(image) + gric_getGeoYRotation(image);
+  static_cast<void>(sink);
+  static_cast<void>(geo);
+  const double smallest = gric_getMinMagnification(image);
+  for (const double magnification : {1.0, 0.5, smallest, 2.0}) {
+    decodeWindow(image, 0.0, 0.0, magnification);
+    decodeWindow(image, 0.7, 0.6, magnification);
+  }
+  gric_closeImage(image);
+}
+
+}  // namespace fuzz

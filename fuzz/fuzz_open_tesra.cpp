@@ -1,0 +1,10 @@
+// Tesra files of any bytes, through a callback stream.
+
+#include "fuzz/fuzz_image.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  const fuzz::MemoryStream stream({data, size});
+  gric_image image = nullptr;
+  if (gric_openTesraImageStream(&image, stream.get()) == 0) fuzz::exercise(image);
+  return 0;
+}
