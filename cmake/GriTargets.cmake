@@ -36,6 +36,10 @@ if(GRI_COVERAGE)
   target_link_options(gri_flags INTERFACE --coverage)
 endif()
 
+# Tests draw narrow numbers from wide random ones all the time. Linked last: the last option counts.
+add_library(gri_test_flags INTERFACE)
+target_compile_options(gri_test_flags INTERFACE -Wno-sign-conversion -Wno-conversion)
+
 # gri_add_library(NAME SOURCES file... [LINK library...])
 # A static, position-independent library with hidden symbols; one for each folder of src/.
 function(gri_add_library name)
@@ -64,9 +68,8 @@ function(gri_add_tests name)
     return()
   endif()
   add_executable(${name} ${arg_SOURCES})
-  target_link_libraries(${name} PRIVATE gri_flags ${arg_LINK} GTest::gmock GTest::gtest_main)
-  # What the macros of GoogleTest expand to is not ours to mend.
-  target_compile_options(${name} PRIVATE -Wno-sign-conversion -Wno-conversion)
+  target_link_libraries(${name} PRIVATE
+    gri_flags ${arg_LINK} GTest::gmock GTest::gtest_main gri_test_flags)
   target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}")
   target_compile_definitions(${name} PRIVATE
     GRI_TEST_DATA="${PROJECT_SOURCE_DIR}/tests/data")
