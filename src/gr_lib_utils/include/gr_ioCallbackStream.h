@@ -19,7 +19,7 @@ struct GRIOCallbacks {
 
 /// A stream whose work is done by functions of the host, on the thread of the caller. It is closed
 /// when it is destroyed; the user pointer is never freed.
-class GRIOCallbackStream : public GRIOStreamInf {
+class GRIOCallbackStream final : public GRIOStreamInf {
  public:
   GRIOCallbackStream() = default;
   ~GRIOCallbackStream() override;

@@ -189,6 +189,7 @@ GR_STATUS GRIOStreamUtils::printf(GRIOStreamInf& stream, const char* format, ...
     GR_RETURN_IF_FAILED(text.allocateUninitialized(bytes));
     va_list arguments;
     va_start(arguments, format);
+    // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized): va_start is right above.
     const int length = std::vsnprintf(text.data(), bytes, format, arguments);
     va_end(arguments);
     if (length < 0) return GR_STATUS_FAILURE;
