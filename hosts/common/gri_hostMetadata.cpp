@@ -86,6 +86,22 @@ std::string GRIHostRecord::text(size_t index) const {
   return bytes == nullptr ? std::string() : gri_hostUtf8(bytes);
 }
 
+std::string GRIHostRecord::words(size_t index) const {
+  switch (dataType) {
+    case GRIC_METADATA_DATATYPE_ASCII:
+      return text(index);
+    case GRIC_METADATA_DATATYPE_UINT64:
+      return std::to_string(valueAt<gr_uint64>(data, index));
+    case GRIC_METADATA_DATATYPE_SINT64:
+      return std::to_string(valueAt<gr_int64>(data, index));
+    default:
+      break;
+  }
+  std::array<char, 40> words{};
+  std::snprintf(words.data(), words.size(), "%.12g", number(index));
+  return words.data();
+}
+
 const char* gri_hostMetadataTypeName(gr_int32 dataType) {
   static constexpr std::array<const char*, 12> NAMES{"unknown", "uint8",   "int8",    "uint16",
                                                      "int16",   "uint32",  "int32",   "uint64",

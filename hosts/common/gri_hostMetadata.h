@@ -25,6 +25,9 @@ struct GRIHostRecord {
   /// Value number `index` of a text record, empty for others, as UTF-8: what is no UTF-8 is taken
   /// as ISO 8859-1, the character set of older files.
   std::string text(size_t index) const;
+  /// Value number `index` for people: the text, or the number with all the digits of an integer
+  /// and 12 of a fraction.
+  std::string words(size_t index) const;
 };
 
 /// "uint8", "float64", "text" ...

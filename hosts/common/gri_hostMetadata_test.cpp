@@ -25,6 +25,23 @@ TEST(GRIHostMetadataTest, ValuesOfEveryTypeReadAsNumbers) {
   EXPECT_EQ(numberOf(99, nullptr), 0);
 }
 
+TEST(GRIHostMetadataTest, WordsKeepAllDigitsOfIntegers) {
+  const gr_uint32 dims[] = {1};
+  const gr_uint64 large = 18446744073709551615u;
+  const gr_int64 small = -9223372036854775807;
+  const gr_uint32 plain = 4294967295u;
+  const double fraction = 0.1;
+  const char* text = "some text";
+  const auto words = [&](gr_int32 type, const void* data) {
+    return GRIHostRecord{"TAG", type, dims, data}.words(0);
+  };
+  EXPECT_EQ(words(GRIC_METADATA_DATATYPE_UINT64, &large), "18446744073709551615");
+  EXPECT_EQ(words(GRIC_METADATA_DATATYPE_SINT64, &small), "-9223372036854775807");
+  EXPECT_EQ(words(GRIC_METADATA_DATATYPE_UINT32, &plain), "4294967295");
+  EXPECT_EQ(words(GRIC_METADATA_DATATYPE_FLOAT64, &fraction), "0.1");
+  EXPECT_EQ(words(GRIC_METADATA_DATATYPE_ASCII, &text), "some text");
+}
+
 TEST(GRIHostMetadataTest, WhatIsNoUtf8IsTakenAsLatin1) {
   EXPECT_EQ(gri_hostUtf8("plain"), "plain");
   EXPECT_EQ(gri_hostUtf8("caf\xC3\xA9"), "caf\xC3\xA9");

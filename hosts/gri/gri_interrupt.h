@@ -1,0 +1,27 @@
+/// @file
+/// Ctrl-C while something is being written.
+#pragma once
+
+#include <csignal>
+
+/// Catches SIGINT, SIGTERM and SIGHUP for as long as it lives: the work then stops at the next
+/// look at `wasRaised`, and what is half done is removed. A second signal ends the program at once.
+/// There is one at a time.
+class GRIInterrupt {
+ public:
+  GRIInterrupt();
+  ~GRIInterrupt();
+  GRIInterrupt(const GRIInterrupt&) = delete;
+  GRIInterrupt& operator=(const GRIInterrupt&) = delete;
+
+  /// True from the first signal on.
+  static bool wasRaised();
+  /// The exit code that tells of it: 128 and the signal's number, 130 for Ctrl-C.
+  static int exitCode();
+
+ private:
+  struct sigaction m_oldInt {};
+  struct sigaction m_oldTerm {};
+  struct sigaction m_oldHup {};
+  struct sigaction m_oldPipe {};
+};

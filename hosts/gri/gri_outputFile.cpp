@@ -1,0 +1,153 @@
+#include "hosts/gri/gri_outputFile.h"
+
+#include <fcntl.h>
+#include <stdlib.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <system_error>
+#include <vector>
+
+#include "hosts/gri/gri_interrupt.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+GRIHostError writeError(const std::string& reason) { return {GRI_HOST_STATUS_WRITE, reason}; }
+GRIHostError systemError() { return writeError(std::strerror(errno)); }
+
+/// Writes all of the bytes; false with errno set when that fails.
+bool writeAll(int descriptor, const char* bytes, size_t count) {
+  while (count > 0) {
+    const ssize_t written = ::write(descriptor, bytes, count);
+    if (written < 0) {
+      if (errno == EINTR && !GRIInterrupt::wasRaised()) continue;
+      return false;
+    }
+    bytes += written;
+    count -= static_cast<size_t>(written);
+  }
+  return true;
+}
+
+/// A file descriptor that is closed in the end.
+class Descriptor {
+ public:
+  explicit Descriptor(int number) : m_number(number) {}
+  ~Descriptor() {
+    if (m_number >= 0) ::close(m_number);
+  }
+  Descriptor(const Descriptor&) = delete;
+  Descriptor& operator=(const Descriptor&) = delete;
+  int get() const { return m_number; }
+
+ private:
+  int m_number;
+};
+
+/// A name without anything that could lead elsewhere: it becomes part of a temporary path.
+std::string plainName(const fs::path& path) {
+  const std::string name = path.filename().string();
+  return name.empty() || name == "." || name == ".." ? "picture" : name;
+}
+
+}  // namespace
+
+bool gri_isSameFile(const std::string& one, const std::string& other) {
+  std::error_code failed;
+  return fs::equivalent(one, other, failed) && !failed;
+}
+
+fs::path gri_temporaryDirectory() {
+  std::error_code failed;
+  fs::path directory = fs::temp_directory_path(failed);
+  return failed ? fs::path("/tmp") : directory;
+}
+
+GRIOutputFile::~GRIOutputFile() { removeDirectory(); }
+
+void GRIOutputFile::removeDirectory() {
+  if (m_directory.empty()) return;
+  std::error_code ignored;
+  fs::remove_all(m_directory, ignored);
+  m_directory.clear();
+}
+
+GRIHostError GRIOutputFile::prepare(const std::string& output, bool force) {
+  m_output = output;
+  m_force = force;
+  std::error_code failed;
+  const fs::file_status status = fs::status(output, failed);
+  if (fs::is_directory(status)) return writeError("Is a directory");
+  m_isCopied = output == "-" || (fs::exists(status) && !fs::is_regular_file(status));
+  if (!m_isCopied && fs::exists(status) && !force) {
+    return writeError("the file exists; --force replaces it");
+  }
+  fs::path beside = gri_temporaryDirectory();
+  m_target = output;
+  if (!m_isCopied) {
+    // What a link points to is replaced, not the link.
+    m_target = fs::weakly_canonical(output, failed);
+    if (failed) m_target = fs::absolute(output);
+    beside = m_target.parent_path();
+  }
+  std::string pattern = (beside / ".gri-XXXXXX").string();
+  if (mkdtemp(pattern.data()) == nullptr) return systemError();
+  m_directory = pattern;
+  m_path = m_directory / (output == "-" ? "picture" : plainName(m_target));
+  return {};
+}
+
+GRIHostError GRIOutputFile::commit() {
+  GRIHostError error;
+  if (!m_isCopied) {
+    error = moveIntoPlace();
+  } else if (m_output == "-") {
+    error = copyTo(STDOUT_FILENO);
+  } else {
+    const Descriptor target(::open(m_output.c_str(), O_WRONLY | O_CLOEXEC));
+    error = target.get() < 0 ? systemError() : copyTo(target.get());
+  }
+  removeDirectory();
+  return error;
+}
+
+GRIHostError GRIOutputFile::moveIntoPlace() {
+  std::error_code failed;
+  std::vector<fs::path> written;
+  for (const auto& entry : fs::directory_iterator(m_directory, failed)) {
+    written.push_back(entry.path());
+  }
+  if (failed) return writeError(failed.message());
+  // The picture itself comes last: when it is there, all is there.
+  std::stable_partition(written.begin(), written.end(),
+                        [&](const fs::path& path) { return path != m_path; });
+  for (const fs::path& path : written) {
+    const fs::path place = m_target.parent_path() / path.filename();
+    if (!m_force && fs::exists(place, failed)) {
+      return writeError(place.filename().string() + " exists beside it; --force replaces it");
+    }
+  }
+  for (const fs::path& path : written) {
+    fs::rename(path, m_target.parent_path() / path.filename(), failed);
+    if (failed) return writeError(failed.message());
+  }
+  return {};
+}
+
+GRIHostError GRIOutputFile::copyTo(int descriptor) const {
+  const Descriptor source(::open(m_path.c_str(), O_RDONLY | O_CLOEXEC));
+  if (source.get() < 0) return systemError();
+  std::vector<char> buffer(size_t{1} << 18);
+  while (true) {
+    const ssize_t count = ::read(source.get(), buffer.data(), buffer.size());
+    if (count == 0) return {};
+    if (count < 0 || !writeAll(descriptor, buffer.data(), static_cast<size_t>(count))) {
+      return systemError();
+    }
+  }
+}
