@@ -87,6 +87,14 @@ GRIPixel& GRIPixel::operator=(const GRIPixel& other) {
   return *this;
 }
 
+std::unique_ptr<GRIPixel> GRIPixel::clone() const {
+  try {
+    return gr_makeUnique<GRIPixel>(*this);
+  } catch (const GRUtilException&) {
+    return nullptr;
+  }
+}
+
 void GRIPixel::copySamples(const GRISample* samples) {
   if (!GR_SUCCESS(m_samples.allocate(m_numBands))) throw GRUtilException(GR_STATUS_NO_MEMORY);
   std::copy_n(samples, m_numBands, m_samples.begin());

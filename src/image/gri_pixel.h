@@ -2,6 +2,8 @@
 /// GRIPixel, an array of samples with a colour space.
 #pragma once
 
+#include <memory>
+
 #include "gr_lib_utils/include/gr_memory.h"
 #include "gr_lib_utils/include/gr_types.h"
 #include "image/gri_dataTypes.h"
@@ -24,6 +26,9 @@ class GRIPixel {
   GRIPixel(const GRIPixel& other);
   GRIPixel& operator=(const GRIPixel& other);
   virtual ~GRIPixel() = default;
+
+  /// A copy as a pixel of its own; null when memory runs out. Nothing is thrown.
+  std::unique_ptr<GRIPixel> clone() const;
 
   /// Whether a pixel can be made of these without samples.
   static bool fits(GRIColorSpace colorSpace, gr_uint32 numBands, GRIDataType dataType);
