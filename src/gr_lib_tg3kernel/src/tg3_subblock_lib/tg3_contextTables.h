@@ -1,0 +1,40 @@
+/// @file
+/// The contexts of the bit-plane coder, by the flags of a sample.
+///
+/// Each sample has a word of flags: which of its eight neighbours are significant, what it is
+/// itself, and which of the four nearest neighbours are positive.
+#pragma once
+
+#include <array>
+
+#include "gr_lib_utils/include/gr_types.h"
+
+constexpr gr_uint16 TG3_FLAG_LOWER_RIGHT = 0x0001;
+constexpr gr_uint16 TG3_FLAG_LOWER_LEFT = 0x0002;
+constexpr gr_uint16 TG3_FLAG_UPPER_RIGHT = 0x0004;
+constexpr gr_uint16 TG3_FLAG_UPPER_LEFT = 0x0008;
+constexpr gr_uint16 TG3_FLAG_RIGHT = 0x0010;
+constexpr gr_uint16 TG3_FLAG_LEFT = 0x0020;
+constexpr gr_uint16 TG3_FLAG_UPPER = 0x0040;
+constexpr gr_uint16 TG3_FLAG_LOWER = 0x0080;
+constexpr gr_uint16 TG3_FLAG_SIGNIFICANT = 0x0100;
+constexpr gr_uint16 TG3_FLAG_REFINED = 0x0200;  ///< has had its first refinement
+constexpr gr_uint16 TG3_FLAG_RIGHT_POSITIVE = 0x0400;
+constexpr gr_uint16 TG3_FLAG_LEFT_POSITIVE = 0x0800;
+constexpr gr_uint16 TG3_FLAG_UPPER_POSITIVE = 0x1000;
+constexpr gr_uint16 TG3_FLAG_LOWER_POSITIVE = 0x2000;
+
+/// The context of a sample's magnitude bit by its flags below 0x0400: zero coding while it isn't
+/// significant, else refinement.
+using TG3MagnitudeContexts = std::array<gr_uint8, 0x400>;
+/// The table of a subband: high in x, high in both, or any other.
+const TG3MagnitudeContexts& tg3_magnitudeContexts(gr_uint32 subband);
+
+/// The context of a sample's sign in bits 0-6, what the decision is XORed with in bit 7; by
+/// tg3_signIndex.
+using TG3SignContexts = std::array<gr_uint8, 0x100>;
+extern const TG3SignContexts TG3_SIGN_CONTEXTS;
+
+constexpr gr_uint32 tg3_signIndex(gr_uint32 flags) {
+  return ((flags >> 4) & 0x0F) | ((flags >> 6) & 0xF0);
+}

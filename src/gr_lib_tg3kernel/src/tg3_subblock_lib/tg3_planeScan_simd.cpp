@@ -1,0 +1,173 @@
+// The scan is no vector code, but gains from the bit instructions that come with the newer
+// instruction sets, so it's compiled for each like the kernels.
+#include <bit>
+
+#include "gr_lib_tg3kernel/src/tg3_subblock_lib/tg3_planeScan.h"
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "gr_lib_tg3kernel/src/tg3_subblock_lib/tg3_planeScan_simd.cpp"
+#include <hwy/foreach_target.h>
+#include <hwy/highway.h>
+
+HWY_BEFORE_NAMESPACE();
+namespace gri {
+namespace HWY_NAMESPACE {
+namespace hn = hwy::HWY_NAMESPACE;
+
+/// The columns of a word that have a bit of `row` at, left or right of them.
+HWY_INLINE gr_uint64 Spread(const gr_uint64* row) {
+  return row[0] | (row[0] << 1) | (row[-1] >> 63) | (row[0] >> 1) | (row[1] << 63);
+}
+
+HWY_INLINE void Mark(gr_uint16& flags, gr_uint32 marks) {
+  flags = static_cast<gr_uint16>(flags | marks);
+}
+
+/// Decodes the sign of a sample that has become significant, and tells its neighbours.
+/// @return 1 when it's negative
+HWY_INLINE gr_uint32 BecomeSignificant(GRMQDecoder& decoder, GRMQState* contexts, gr_uint16* flags,
+                                       size_t stride, gr_uint32 isSignPlane) {
+  const gr_uint32 rule = TG3_SIGN_CONTEXTS[tg3_signIndex(*flags)];
+  const gr_uint32 negative = (decoder.decode(contexts[rule & 0x7F]) ^ (rule >> 7)) | isSignPlane;
+  const gr_uint32 positive = negative ^ 1;
+  gr_uint16* above = flags - stride;
+  gr_uint16* below = flags + stride;
+  Mark(above[-1], TG3_FLAG_LOWER_RIGHT);
+  Mark(above[0], TG3_FLAG_LOWER | (positive * TG3_FLAG_LOWER_POSITIVE));
+  Mark(above[1], TG3_FLAG_LOWER_LEFT);
+  Mark(flags[-1], TG3_FLAG_RIGHT | (positive * TG3_FLAG_RIGHT_POSITIVE));
+  Mark(flags[0], TG3_FLAG_SIGNIFICANT);
+  Mark(flags[1], TG3_FLAG_LEFT | (positive * TG3_FLAG_LEFT_POSITIVE));
+  Mark(below[-1], TG3_FLAG_UPPER_RIGHT);
+  Mark(below[0], TG3_FLAG_UPPER | (positive * TG3_FLAG_UPPER_POSITIVE));
+  Mark(below[1], TG3_FLAG_UPPER_LEFT);
+  return negative;
+}
+
+void ScanPlane(const TG3PlaneScan& scan, std::span<const gr_uint8> bytes, bool isSignPlane,
+               gr_uint64* bits) {
+  GRMQDecoder decoder(bytes);
+  GRMQState* const contexts = scan.contexts;
+  const gr_uint8* const magnitudeContexts = scan.magnitudeContexts->data();
+  const size_t stride = scan.flagStride();
+  const size_t significantStride = scan.significantStride();
+  const size_t words = scan.wordsPerRow();
+  const gr_uint32 signPlane = isSignPlane ? 1 : 0;
+
+  for (size_t y = 0; y < scan.height; ++y) {
+    for (size_t word = 0; word < words; ++word) {
+      gr_uint64* const row = scan.significant + y * significantStride + word;
+      gr_uint16* const flags = scan.flags + y * stride + word * 64;
+      const size_t left = scan.width - word * 64;
+      const gr_uint32 columns = left < 64 ? static_cast<gr_uint32>(left) : 64;
+      const gr_uint64 valid = ~gr_uint64{0} >> (64 - columns);
+      // The columns whose context isn't that of a sample with nothing around.
+      gr_uint64 active =
+          (Spread(row - significantStride) | Spread(row) | Spread(row + significantStride)) & valid;
+      gr_uint64 ones = 0;
+      gr_uint64 significant = row[0];
+      gr_uint64 negative = 0;
+      gr_uint32 x = 0;
+
+      const auto becomeSignificant = [&]() HWY_ATTR {
+        const gr_uint64 isNegative =
+            BecomeSignificant(decoder, contexts, flags + x, stride, signPlane);
+        negative |= isNegative << x;
+        significant |= gr_uint64{1} << x;
+        active |= (gr_uint64{2} << x) & valid;
+      };
+
+      while (x < columns) {
+        const gr_uint64 ahead = active >> x;
+        gr_uint32 end = ahead != 0 ? x + static_cast<gr_uint32>(std::countr_zero(ahead)) : columns;
+        bool found = false;
+        while (x < end) {
+          GRMQState& context = contexts[GRMQ_ZERO_CONTEXT];
+          if ((context & 1) == 0) {
+            x += decoder.skipExpected(context, end - x);
+            if (x == end) break;
+          }
+          if (decoder.decode(context) != 0) {
+            becomeSignificant();
+            ones |= gr_uint64{1} << x;
+            ++x;
+            found = true;
+            break;
+          }
+          ++x;
+        }
+        if (found || x == columns) continue;
+
+        const gr_uint64 idle = ~active >> x;
+        end = idle != 0 ? x + static_cast<gr_uint32>(std::countr_zero(idle)) : 64;
+        for (; x < end; ++x) {
+          const gr_uint32 state = flags[x];
+          const gr_uint64 bit = decoder.decode(contexts[magnitudeContexts[state & 0x3FF]]);
+          ones |= bit << x;
+          // A significant sample has been refined, at the latest now.
+          flags[x] = static_cast<gr_uint16>(state | ((state & TG3_FLAG_SIGNIFICANT) << 1));
+          if ((bit & ~(state / TG3_FLAG_SIGNIFICANT)) != 0) becomeSignificant();
+        }
+      }
+      bits[y * words + word] = ones;
+      row[0] = significant;
+      scan.negative[y * words + word] |= negative;
+    }
+  }
+}
+
+void MakeSamples(const TG3SampleRow& row, gr_int32* samples) {
+  const hn::ScalableTag<gr_uint32> d;
+  const hn::RebindToSigned<decltype(d)> ds;
+  using V = hn::Vec<decltype(d)>;
+  const size_t lanes = hn::Lanes(d);
+  if (lanes > 32) return tg3_makeSamplesScalar(row, 0, samples);
+  const V laneBits = hn::Shl(hn::Set(d, 1), hn::Iota(d, 0));
+  const V parity = hn::And(hn::Iota(d, 0), hn::Set(d, 1));
+  const V midpoint = hn::IfThenElse(hn::Eq(parity, hn::Zero(d)), hn::Set(d, row.midpoint[0]),
+                                    hn::Set(d, row.midpoint[lanes > 1 ? 1 : 0]));
+  const gr_uint32 skipped = row.firstPlane == 0 ? 1 : 0;  // plane 0 has no weight
+  gr_uint32 x = 0;
+  for (; lanes > 1 && x + lanes <= row.width; x += static_cast<gr_uint32>(lanes)) {
+    const size_t word = x / 64;
+    const size_t shift = x % 64;
+    V magnitude = hn::Zero(d);
+    gr_uint32 weight = gr_uint32{1} << (31 - row.firstPlane - skipped);
+    for (gr_uint32 i = skipped; i < row.numPlanes; ++i, weight >>= 1) {
+      const auto here = static_cast<gr_uint32>(row.bits[i * row.planeStride + word] >> shift);
+      const auto set = hn::TestBit(hn::Set(d, here), laneBits);
+      magnitude = hn::Or(magnitude, hn::IfThenElseZero(set, hn::Set(d, weight)));
+    }
+    const auto zero = hn::Eq(magnitude, hn::Zero(d));
+    magnitude = hn::Add(magnitude, hn::IfThenZeroElse(zero, midpoint));
+    const auto negative =
+        hn::TestBit(hn::Set(d, static_cast<gr_uint32>(row.negative[word] >> shift)), laneBits);
+    const auto sample = hn::IfThenElse(negative, hn::Sub(hn::Zero(d), magnitude), magnitude);
+    hn::StoreU(hn::BitCast(ds, sample), ds, samples + x);
+  }
+  tg3_makeSamplesScalar(row, x, samples);
+}
+
+}  // namespace HWY_NAMESPACE
+}  // namespace gri
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+
+namespace gri {
+HWY_EXPORT(ScanPlane);
+HWY_EXPORT(MakeSamples);
+}  // namespace gri
+
+void tg3_scanPlane(const TG3PlaneScan& scan, std::span<const gr_uint8> bytes, bool isSignPlane,
+                   gr_uint64* bits) {
+  using namespace gri;
+  HWY_DYNAMIC_DISPATCH(ScanPlane)(scan, bytes, isSignPlane, bits);
+}
+
+void tg3_makeSamples(const TG3SampleRow& row, gr_int32* samples) {
+  using namespace gri;
+  HWY_DYNAMIC_DISPATCH(MakeSamples)(row, samples);
+}
+
+#endif  // HWY_ONCE
