@@ -121,9 +121,10 @@ class GRISceneBuffer {
   [[nodiscard]] GR_STATUS exportDataBSQ(void*& data) const;
   /// @return 0; the stream's last error after a short write; 8 for memory
   [[nodiscard]] GR_STATUS exportDataBSQ(GRIOStreamInf& stream) const;
-  /// Pixel-interleaved. Copies nothing, and gives 0, unless the first band's samples are 1, 2 or 4
-  /// bytes wide; all bands must have that width.
+  /// Pixel-interleaved. Copies nothing, and gives 0, unless samples are 1, 2 or 4 bytes wide.
+  /// @return 0; 50001 when the bands' samples differ in width; 8 for memory
   [[nodiscard]] GR_STATUS exportDataBIP(void*& data) const;
+  /// The same row by row, for any width.
   [[nodiscard]] GR_STATUS exportDataBIP(GRIOStreamInf& stream) const;
   /// Any layout: sample (col, row) of band b goes to
   /// `dest` + b * bandBytes + row * rowBytes + col * pixelBytes.
@@ -153,14 +154,15 @@ class GRISceneBuffer {
   [[nodiscard]] GR_STATUS copyFrom(const GRISceneBuffer& other);
   /// The same in the runs of `mask` alone.
   [[nodiscard]] GR_STATUS copyFrom(const GRISceneBuffer& other, const GRIMask& mask);
-  /// The same for one band of each, which must have one data width.
+  /// The same for one band of each.
+  /// @return 0; 50016 when their samples differ in width
   [[nodiscard]] GR_STATUS copyBandFrom(gr_uint16 band, const GRISceneBuffer& other,
                                        gr_uint16 otherBand);
   [[nodiscard]] GR_STATUS copyBandFrom(gr_uint16 band, const GRISceneBuffer& other,
                                        gr_uint16 otherBand, const GRIMask& mask);
   /// Copies those pixels of `other` that differ from `noData` in at least one band, as
   /// GRI_MERGE_EXACT does, but for samples of every data type, and without building a mask.
-  /// @return 0; the status of checkImpedance when the pixels don't agree
+  /// @return 0; the status of checkImpedance when the pixels don't agree; 8 for memory
   [[nodiscard]] GR_STATUS copyDataFrom(const GRISceneBuffer& other, const GRIPixel& noData);
 
   /// Writes those pixels of `other` into this buffer that should replace its own.
@@ -182,11 +184,18 @@ class GRISceneBuffer {
                                 GRIMaskSource& source, const GRIScene& scene);
 
  private:
-  void construct(const GRIPixel& pixelProps);
-  void allocatePlanes();
-  void setWindow();
-  GR_STATUS splitBlock(const void* block) const;
-  size_t windowBytes() const;
+  void setWindow(const GRIPixel& pixelProps);
+  void allocatePlanes(const GRIPixel& pixelProps);
+  gr_uint64 windowBytes(gr_uint16 band) const;
+  gr_uint64 allWindowBytes() const;
+  GR_STATUS readWindow(GRIOStreamInf& stream, GRArray<gr_uint8>& block) const;
+  bool bandsHaveOneWidth() const;
+  void importBand(gr_uint16 band, const void* packed);
+  void exportBand(gr_uint16 band, void* packed) const;
+  void joinRow(gr_uint32 row, const void** rows, void* interleaved) const;
+  GR_STATUS buildMergeMask(GRIMergeMode mode, double magnification, const GRISceneBuffer& other,
+                           const GRIPixel* noData, gr_uint16 firstBand, gr_uint16 numBands,
+                           GRIMask& mask) const;
   GR_STATUS mergeMasked(GRIMergeMode mode, double magnification, const GRISceneBuffer& other,
                         const GRIPixel* noData, const GRIMask* allowed);
 
@@ -194,7 +203,6 @@ class GRISceneBuffer {
   GRArray<void*> m_windowData;               // first sample of the window in each plane
   GRArray<void*> m_ownedData;                // what m_data points to, when the planes are ours
   GRArray<GRArray<gr_uint8>> m_ownedPlanes;  // the planes, when they are ours
-  mutable GRArray<void*> m_scratch;          // where each band begins in a block
   GRArray<gr_uint32> m_bytesPerSample;       // one per band
   std::unique_ptr<GRIPixel> m_pixelProps;
   gr_uint16 m_numBands = 0;

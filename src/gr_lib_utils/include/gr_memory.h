@@ -55,6 +55,13 @@ class GRArray {
     m_size = 0;
   }
 
+  /// Hands the values over, for an interface that gives out a raw pointer; a
+  /// std::unique_ptr<T[]> takes them back.
+  [[nodiscard]] T* release() {
+    m_size = 0;
+    return m_data.release();
+  }
+
   size_t size() const { return m_size; }
   bool empty() const { return m_size == 0; }
   T* data() { return m_data.get(); }
