@@ -152,6 +152,10 @@ class GRIOverrideMetadata : public Base {
  protected:
   /// The records, to be filled; null when memory runs out.
   GRIMetadataDatabase* editMetadata() { return m_metadata.edit(); }
+  /// Records where the image came from, the ID of its stream for example. @return 0 or 8
+  GR_STATUS addInputName(const char* name) { return m_metadata.addInputName(name); }
+  /// Records bytes of samples to bytes of file. @return 0 or 8
+  GR_STATUS addCompressionRatio(double ratio) { return m_metadata.addCompressionRatio(ratio); }
 
  private:
   GRIOverrideMetadataData m_metadata;

@@ -82,6 +82,9 @@ struct GRIOverrideMetadataData {
   const GRIMetadataDatabase& get() const;             // an empty one at first
   GRIMetadataDatabase* edit();                        // null when memory runs out
   GR_STATUS set(const GRIMetadataDatabase* records);  // 0 or 8
+  // Records that nearly every reader adds; one that is there already stays. Each: 0 or 8.
+  GR_STATUS addInputName(const char* name);
+  GR_STATUS addCompressionRatio(double ratio);
 
   std::unique_ptr<GRIMetadataDatabase> metadata;  // null while there are no records
 };
