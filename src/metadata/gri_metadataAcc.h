@@ -4,6 +4,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <span>
 #include <type_traits>
 
@@ -58,7 +59,7 @@ struct GRIMetadataAOI {
   double weight = 0.0;
   double magnification = 1.0;
   const char* vectorOverlay = nullptr;  ///< this and the following may be null: absent
-  const gr_uint32* vectorOverlayLayer = nullptr;
+  std::optional<gr_uint32> vectorOverlayLayer;
   const char* name = nullptr;
   const char* comment = nullptr;
   const char* url = nullptr;
@@ -107,13 +108,14 @@ class GRIMetadataAccConst {
   /// The palette, from IMAGE::INPUT_LUT.
   /// @param props  the image's pixel, whose data type the record must have
   /// @param table  the table, which becomes the caller's
-  /// @return 0; 50503 when the tag isn't there; 50028 for a record of another shape or type; 8 for
-  ///         memory
+  /// @return 0; 50503 when the tag isn't there; 50507 for a record of another type; 50028 for one
+  ///         of another shape; 8 for memory
   [[nodiscard]] GR_STATUS getPixelLookupTable(const GRIPixel& props,
                                               std::unique_ptr<GRIPixelLookupTable>& table) const;
 
   /// The area of interest number `n`; texts and corners point into the records.
-  /// @return 0; 50503 when a tag that isn't optional is missing; 50507
+  /// @return 0; 50503 when a tag that isn't optional is missing; 50507; on failure `aoi` is as it
+  /// was
   [[nodiscard]] GR_STATUS getAOI(gr_uint16 n, GRIMetadataAOI& aoi) const;
   /// How many areas of interest there are. Their numbers may have gaps.
   gr_uint32 getNumAOIs() const;
@@ -188,7 +190,7 @@ class GRIMetadataAcc : public GRIMetadataAccConst {
   /// Replaces IMAGE::TRANSPARENT_DATA_VALUE.
   [[nodiscard]] GR_STATUS setNoDataPixel(const GRIPixel& pixel);
 
-  /// Writes area of interest number `n`. Of its optional tags those that are absent are removed.
+  /// Writes area of interest number `n`. Its optional tags are replaced, or removed where absent.
   /// @return 0; 50504 when the area is there; 8 for memory
   [[nodiscard]] GR_STATUS addAOI(gr_uint16 n, const GRIMetadataAOI& aoi);
 
