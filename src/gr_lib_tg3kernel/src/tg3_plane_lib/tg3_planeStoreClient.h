@@ -22,9 +22,12 @@ class TG3PlaneStoreClient {
   [[nodiscard]] virtual GR_STATUS readSubblock(gr_uint32 subband, gr_uint32 subblock,
                                                TG3SubblockPlanes& planes) = 0;
 
-  /// Whether one of the subblocks `first` to `last`, both included, has a plane. True also where
-  /// the search for it fails.
+  /// Whether one of the subblocks `first` to `last`, both included, has a plane. It reads nothing.
   virtual bool hasData(gr_uint32 subband, gr_uint32 first, gr_uint32 last) = 0;
+
+  /// Closes the file, unless it is to stay open, until it is read from again. For the end of a
+  /// decode.
+  virtual void endUse() = 0;
 
  protected:
   TG3PlaneStoreClient() = default;
