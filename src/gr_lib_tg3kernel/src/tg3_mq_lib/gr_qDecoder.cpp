@@ -20,28 +20,52 @@ constexpr std::array<GRMQTableRow, 47> TABLE = {{
     {0x0001, 43, 45, false}, {0x5601, 46, 46, false},
 }};
 
-static constexpr std::array<GRMQState, 94> packStates() {
-  std::array<GRMQState, 94> states{};
-  for (gr_uint64 row = 0; row < TABLE.size(); ++row) {
+static constexpr GRMQState stateOf(gr_uint64 row, gr_uint64 mps) {
+  return ((4 * row + 2 * mps) << 48) | (gr_uint64{TABLE[row].qe} << 32) | mps;
+}
+
+static constexpr decltype(GRMQModel::successors) allSuccessors() {
+  decltype(GRMQModel::successors) successors{};
+  for (size_t row = 0; row < TABLE.size(); ++row) {
     for (gr_uint64 mps = 0; mps < 2; ++mps) {
       const gr_uint64 mpsAfterLps = TABLE[row].switchMps ? 1 - mps : mps;
-      const gr_uint64 afterLps = 2u * TABLE[row].nextLps + mpsAfterLps;
-      const gr_uint64 afterMps = 2u * TABLE[row].nextMps + mps;
-      states[2 * row + mps] =
-          (gr_uint64{TABLE[row].qe} << 32) | (afterLps << 16) | (afterMps << 8) | mps;
+      successors[4 * row + 2 * mps] = stateOf(TABLE[row].nextMps, mps);
+      successors[4 * row + 2 * mps + 1] = stateOf(TABLE[row].nextLps, mpsAfterLps);
     }
   }
-  return states;
+  return successors;
 }
 
 const std::array<GRMQTableRow, 47> GRMQ_TABLE = TABLE;
-constexpr std::array<GRMQState, 94> PACKED_STATES = packStates();
-const std::array<GRMQState, 94> GRMQ_STATES = PACKED_STATES;
+constexpr decltype(GRMQModel::successors) SUCCESSORS = allSuccessors();
 
-void grmq_resetContexts(GRMQContexts& contexts) {
-  // ISO/IEC 15444-1, Table D.7.
-  contexts.fill(GRMQ_STATES[0]);
-  contexts[GRMQ_ZERO_CONTEXT] = GRMQ_STATES[2 * 4];
-  contexts[17] = GRMQ_STATES[2 * 3];
-  contexts[18] = GRMQ_STATES[2 * 46];
+GRMQModel::GRMQModel() : successors(SUCCESSORS) { reset(); }
+
+void GRMQModel::reset() {
+  contexts.fill(stateOf(0, 0));
+  contexts[GRMQ_ZERO_CONTEXT] = stateOf(4, 0);
+  contexts[17] = stateOf(3, 0);
+  contexts[18] = stateOf(46, 0);
+}
+
+GRMQBytes::Bits GRMQBytes::refill(Bits bits) {
+  if (m_end - m_next >= 4 && m_last != 0xFF) {
+    const gr_uint64 four = (gr_uint64{m_next[0]} << 24) | (gr_uint64{m_next[1]} << 16) |
+                           (gr_uint64{m_next[2]} << 8) | m_next[3];
+    // A carry could come after any of the first three, were it 0xFF.
+    const gr_uint64 inverse = ~four & 0xFFFFFF00;
+    if (((inverse - 0x01010100) & four & 0x80808000) == 0) {
+      bits.c += four << -bits.count;
+      bits.count += 32;
+      m_last = m_next[3];
+      m_next += 4;
+      return bits;
+    }
+  }
+  while (bits.count <= 0) {
+    const int fresh = m_last == 0xFF ? 7 : 8;
+    bits.c += gr_uint64{fetch()} << (32 - fresh - bits.count);
+    bits.count += fresh;
+  }
+  return bits;
 }

@@ -11,11 +11,12 @@
 namespace {
 
 std::string bitsOf(const std::vector<gr_uint8>& bytes, gr_uint32 context, int count) {
-  GRMQContexts contexts;
-  grmq_resetContexts(contexts);
-  GRMQDecoder decoder(bytes);
+  GRMQModel model;
+  model.reset();
+  GRMQBytes source(bytes);
+  GRMQDecoder decoder(source);
   std::string bits;
-  for (int i = 0; i < count; ++i) bits += decoder.decode(contexts[context]) != 0 ? '1' : '0';
+  for (int i = 0; i < count; ++i) bits += decoder.decode(model, context) != 0 ? '1' : '0';
   return bits;
 }
 
@@ -69,15 +70,16 @@ TEST(GRMQDecoderTest, AgreesWithTheBitwiseRulesOnAnyBytesAndContexts) {
   for (int run = 0; run < 20000; ++run) {
     SCOPED_TRACE(run);
     const auto bytes = randomBytes(random, 1 + random() % 80);
-    GRMQContexts contexts;
-    grmq_resetContexts(contexts);
+    GRMQModel model;
+    model.reset();
     auto expectedContexts = GRMQReferenceDecoder::initialContexts();
-    GRMQDecoder decoder(bytes);
+    GRMQBytes source(bytes);
+    GRMQDecoder decoder(source);
     GRMQReferenceDecoder reference(bytes);
     const auto numContexts = 1 + random() % GRMQ_NUM_CONTEXTS;
     for (int decision = 0; decision < 300; ++decision) {
       const auto context = random() % numContexts;
-      ASSERT_EQ(decoder.decode(contexts[context]), reference.decode(expectedContexts[context]))
+      ASSERT_EQ(decoder.decode(model, context), reference.decode(expectedContexts[context]))
           << decision;
     }
   }
@@ -88,15 +90,16 @@ TEST(GRMQDecoderTest, SkipsExpectedDecisionsAsIfTheyWereTakenOneByOne) {
   for (int run = 0; run < 20000; ++run) {
     SCOPED_TRACE(run);
     const auto bytes = randomBytes(random, 1 + random() % 40);
-    GRMQContexts contexts;
-    grmq_resetContexts(contexts);
+    GRMQModel model;
+    model.reset();
     auto expectedContexts = GRMQReferenceDecoder::initialContexts();
-    GRMQDecoder decoder(bytes);
+    GRMQBytes source(bytes);
+    GRMQDecoder decoder(source);
     GRMQReferenceDecoder reference(bytes);
     for (int round = 0; round < 40; ++round) {
       const gr_uint32 context = random() % 2 == 0 ? 0 : 18;
       const auto asked = static_cast<gr_uint32>(1 + random() % 64);
-      const gr_uint32 skipped = decoder.skipExpected(contexts[context], asked);
+      const gr_uint32 skipped = decoder.skipExpected(model.contexts[context], asked);
       ASSERT_LE(skipped, asked);
       for (gr_uint32 i = 0; i < skipped; ++i) {
         const gr_uint32 mps = expectedContexts[context].mps;
@@ -104,7 +107,7 @@ TEST(GRMQDecoderTest, SkipsExpectedDecisionsAsIfTheyWereTakenOneByOne) {
         ASSERT_EQ(reference.decode(expectedContexts[context]), mps);
         ASSERT_EQ(expectedContexts[context].row, row);
       }
-      ASSERT_EQ(decoder.decode(contexts[context]), reference.decode(expectedContexts[context]));
+      ASSERT_EQ(decoder.decode(model, context), reference.decode(expectedContexts[context]));
     }
   }
 }

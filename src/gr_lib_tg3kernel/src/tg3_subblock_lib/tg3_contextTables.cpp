@@ -4,9 +4,10 @@
 #include <bit>
 #include <utility>
 
-#include "gr_lib_tg3kernel/src/tg3_mq_lib/gr_qDecoder.h"
-
 namespace {
+
+using MagnitudeContexts = decltype(TG3ContextModel::magnitude);
+using SignContexts = decltype(TG3ContextModel::sign);
 
 /// The columns of ISO/IEC 15444-1, Table D.1.
 enum class BandKind { HIGH_X, HIGH_BOTH, OTHER };
@@ -33,8 +34,8 @@ constexpr gr_uint32 refinementContext(gr_uint32 flags) {
   return GRMQ_REFINEMENT_CONTEXT + ((flags & 0xFF) != 0 ? 1 : 0);
 }
 
-constexpr TG3MagnitudeContexts magnitudeContexts(BandKind kind) {
-  TG3MagnitudeContexts contexts{};
+constexpr MagnitudeContexts magnitudeContexts(BandKind kind) {
+  MagnitudeContexts contexts{};
   for (gr_uint32 flags = 0; flags < contexts.size(); ++flags) {
     const bool significant = (flags & TG3_FLAG_SIGNIFICANT) != 0;
     contexts[flags] =
@@ -44,8 +45,8 @@ constexpr TG3MagnitudeContexts magnitudeContexts(BandKind kind) {
 }
 
 /// ISO/IEC 15444-1, Tables D.2 and D.3.
-constexpr TG3SignContexts signContexts() {
-  TG3SignContexts contexts{};
+constexpr SignContexts signContexts() {
+  SignContexts contexts{};
   for (gr_uint32 index = 0; index < contexts.size(); ++index) {
     const auto sign = [index](gr_uint32 neighbour) {
       if (((index >> neighbour) & 1) == 0) return 0;
@@ -61,16 +62,12 @@ constexpr TG3SignContexts signContexts() {
   return contexts;
 }
 
-constexpr TG3MagnitudeContexts HIGH_X_CONTEXTS = magnitudeContexts(BandKind::HIGH_X);
-constexpr TG3MagnitudeContexts HIGH_BOTH_CONTEXTS = magnitudeContexts(BandKind::HIGH_BOTH);
-constexpr TG3MagnitudeContexts OTHER_CONTEXTS = magnitudeContexts(BandKind::OTHER);
-constexpr TG3SignContexts SIGN_CONTEXTS = signContexts();
+constexpr MagnitudeContexts HIGH_X_CONTEXTS = magnitudeContexts(BandKind::HIGH_X);
+constexpr MagnitudeContexts HIGH_BOTH_CONTEXTS = magnitudeContexts(BandKind::HIGH_BOTH);
+constexpr MagnitudeContexts OTHER_CONTEXTS = magnitudeContexts(BandKind::OTHER);
+constexpr SignContexts SIGN_CONTEXTS = signContexts();
 
-}  // namespace
-
-const TG3SignContexts TG3_SIGN_CONTEXTS = SIGN_CONTEXTS;
-
-const TG3MagnitudeContexts& tg3_magnitudeContexts(gr_uint32 subband) {
+const MagnitudeContexts& magnitudeContextsOf(gr_uint32 subband) {
   if (subband == 0) return OTHER_CONTEXTS;
   switch ((subband - 1) % 4) {
     case 1:
@@ -80,4 +77,12 @@ const TG3MagnitudeContexts& tg3_magnitudeContexts(gr_uint32 subband) {
     default:
       return OTHER_CONTEXTS;
   }
+}
+
+}  // namespace
+
+void TG3ContextModel::reset(gr_uint32 subband) {
+  coder.reset();
+  magnitude = magnitudeContextsOf(subband);
+  sign = SIGN_CONTEXTS;
 }

@@ -7,6 +7,7 @@
 
 #include <array>
 
+#include "gr_lib_tg3kernel/src/tg3_mq_lib/gr_qDecoder.h"
 #include "gr_lib_utils/include/gr_types.h"
 
 constexpr gr_uint16 TG3_FLAG_LOWER_RIGHT = 0x0001;
@@ -24,17 +25,22 @@ constexpr gr_uint16 TG3_FLAG_LEFT_POSITIVE = 0x0800;
 constexpr gr_uint16 TG3_FLAG_UPPER_POSITIVE = 0x1000;
 constexpr gr_uint16 TG3_FLAG_LOWER_POSITIVE = 0x2000;
 
-/// The context of a sample's magnitude bit by its flags below 0x0400: zero coding while it isn't
-/// significant, else refinement.
-using TG3MagnitudeContexts = std::array<gr_uint8, 0x400>;
-/// The table of a subband: high in x, high in both, or any other.
-const TG3MagnitudeContexts& tg3_magnitudeContexts(gr_uint32 subband);
+/// The contexts of a subband, and the tables that lead to them by a sample's flags.
+struct TG3ContextModel {
+  GRMQModel coder;
+  /// The context of a magnitude bit by the flags below 0x0400: zero coding while the sample isn't
+  /// significant, else refinement.
+  std::array<gr_uint8, 0x400> magnitude;
+  /// The context of a sign in bits 0-6, what the decision is XORed with in bit 7; by
+  /// tg3_signIndex.
+  std::array<gr_uint8, 0x100> sign;
 
-/// The context of a sample's sign in bits 0-6, what the decision is XORed with in bit 7; by
-/// tg3_signIndex.
-using TG3SignContexts = std::array<gr_uint8, 0x100>;
-extern const TG3SignContexts TG3_SIGN_CONTEXTS;
+  /// Starts a component of a subblock: one kind of table for a subband that is high in x, one for
+  /// high in both, and one for the rest.
+  void reset(gr_uint32 subband);
+};
 
+/// Of the flags of a sample.
 constexpr gr_uint32 tg3_signIndex(gr_uint32 flags) {
   return ((flags >> 4) & 0x0F) | ((flags >> 6) & 0xF0);
 }

@@ -10,15 +10,13 @@
 
 #include <span>
 
-#include "gr_lib_tg3kernel/src/tg3_mq_lib/gr_qDecoder.h"
 #include "gr_lib_tg3kernel/src/tg3_subblock_lib/tg3_contextTables.h"
 
 /// The state of a component while its planes are scanned. All memory is the caller's.
 struct TG3PlaneScan {
   gr_uint32 width = 0;   ///< of the coded rectangle
   gr_uint32 height = 0;  ///< of the coded rectangle
-  const TG3MagnitudeContexts* magnitudeContexts = nullptr;
-  GRMQState* contexts = nullptr;  ///< GRMQ_NUM_CONTEXTS
+  TG3ContextModel* model = nullptr;
 
   /// Flags of sample (0, 0), with one sample of margin at every side.
   gr_uint16* flags = nullptr;

@@ -51,7 +51,7 @@ void tg3_scanBypassPlane(const TG3PlaneScan& scan, std::span<const gr_uint8> byt
       if ((flags[x] & TG3_FLAG_SIGNIFICANT) != 0) {
         flags[x] |= TG3_FLAG_REFINED;
       } else if (bit != 0) {
-        const gr_uint32 rule = TG3_SIGN_CONTEXTS[tg3_signIndex(flags[x])];
+        const gr_uint32 rule = scan.model->sign[tg3_signIndex(flags[x])];
         const gr_uint32 sign = (raw.next() ^ (rule >> 7)) | (isSignPlane ? 1 : 0);
         significant[x / 64] |= column;
         if (sign != 0) negative[x / 64] |= column;

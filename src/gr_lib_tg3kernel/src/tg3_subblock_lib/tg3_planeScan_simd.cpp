@@ -25,10 +25,10 @@ HWY_INLINE void Mark(gr_uint16& flags, gr_uint32 marks) {
 
 /// Decodes the sign of a sample that has become significant, and tells its neighbours.
 /// @return 1 when it's negative
-HWY_INLINE gr_uint32 BecomeSignificant(GRMQDecoder& decoder, GRMQState* contexts, gr_uint16* flags,
-                                       size_t stride, gr_uint32 isSignPlane) {
-  const gr_uint32 rule = TG3_SIGN_CONTEXTS[tg3_signIndex(*flags)];
-  const gr_uint32 negative = (decoder.decode(contexts[rule & 0x7F]) ^ (rule >> 7)) | isSignPlane;
+HWY_INLINE gr_uint32 BecomeSignificant(GRMQDecoder& decoder, TG3ContextModel& model,
+                                       gr_uint16* flags, size_t stride, gr_uint32 isSignPlane) {
+  const gr_uint32 rule = model.sign[tg3_signIndex(*flags)];
+  const gr_uint32 negative = (decoder.decode(model.coder, rule & 0x7F) ^ (rule >> 7)) | isSignPlane;
   const gr_uint32 positive = negative ^ 1;
   gr_uint16* above = flags - stride;
   gr_uint16* below = flags + stride;
@@ -46,9 +46,9 @@ HWY_INLINE gr_uint32 BecomeSignificant(GRMQDecoder& decoder, GRMQState* contexts
 
 void ScanPlane(const TG3PlaneScan& scan, std::span<const gr_uint8> bytes, bool isSignPlane,
                gr_uint64* bits) {
-  GRMQDecoder decoder(bytes);
-  GRMQState* const contexts = scan.contexts;
-  const gr_uint8* const magnitudeContexts = scan.magnitudeContexts->data();
+  GRMQBytes source(bytes);
+  GRMQDecoder decoder(source);
+  TG3ContextModel& model = *scan.model;
   const size_t stride = scan.flagStride();
   const size_t significantStride = scan.significantStride();
   const size_t words = scan.wordsPerRow();
@@ -69,45 +69,43 @@ void ScanPlane(const TG3PlaneScan& scan, std::span<const gr_uint8> bytes, bool i
       gr_uint64 negative = 0;
       gr_uint32 x = 0;
 
-      const auto becomeSignificant = [&]() HWY_ATTR {
-        const gr_uint64 isNegative =
-            BecomeSignificant(decoder, contexts, flags + x, stride, signPlane);
-        negative |= isNegative << x;
-        significant |= gr_uint64{1} << x;
-        active |= (gr_uint64{2} << x) & valid;
-      };
-
       while (x < columns) {
+        gr_uint64 found = 0;
         const gr_uint64 ahead = active >> x;
         gr_uint32 end = ahead != 0 ? x + static_cast<gr_uint32>(std::countr_zero(ahead)) : columns;
-        bool found = false;
         while (x < end) {
-          GRMQState& context = contexts[GRMQ_ZERO_CONTEXT];
+          const GRMQState context = model.coder.contexts[GRMQ_ZERO_CONTEXT];
           if ((context & 1) == 0) {
             x += decoder.skipExpected(context, end - x);
             if (x == end) break;
           }
-          if (decoder.decode(context) != 0) {
-            becomeSignificant();
-            ones |= gr_uint64{1} << x;
-            ++x;
-            found = true;
-            break;
-          }
+          found = decoder.decode(model.coder, GRMQ_ZERO_CONTEXT);
+          if (found != 0) break;
           ++x;
         }
-        if (found || x == columns) continue;
-
-        const gr_uint64 idle = ~active >> x;
-        end = idle != 0 ? x + static_cast<gr_uint32>(std::countr_zero(idle)) : 64;
-        for (; x < end; ++x) {
-          const gr_uint32 state = flags[x];
-          const gr_uint64 bit = decoder.decode(contexts[magnitudeContexts[state & 0x3FF]]);
-          ones |= bit << x;
-          // A significant sample has been refined, at the latest now.
-          flags[x] = static_cast<gr_uint16>(state | ((state & TG3_FLAG_SIGNIFICANT) << 1));
-          if ((bit & ~(state / TG3_FLAG_SIGNIFICANT)) != 0) becomeSignificant();
+        if (found == 0) {
+          if (x == columns) break;
+          const gr_uint64 idle = ~active >> x;
+          end = idle != 0 ? x + static_cast<gr_uint32>(std::countr_zero(idle)) : 64;
+          for (; x < end; ++x) {
+            const gr_uint32 state = flags[x];
+            const gr_uint64 bit = decoder.decode(model.coder, model.magnitude[state & 0x3FF]);
+            found = bit & ~(state / TG3_FLAG_SIGNIFICANT);
+            if (found != 0) break;
+            ones |= bit << x;
+            // A significant sample has been refined, at the latest now.
+            flags[x] = static_cast<gr_uint16>(state | ((state & TG3_FLAG_SIGNIFICANT) << 1));
+          }
+          if (found == 0) continue;
         }
+        const gr_uint64 isNegative =
+            BecomeSignificant(decoder, model, flags + x, stride, signPlane);
+        const gr_uint64 column = gr_uint64{1} << x;
+        ones |= column;
+        significant |= column;
+        negative |= isNegative << x;
+        active |= (column << 1) & valid;
+        ++x;
       }
       bits[y * words + word] = ones;
       row[0] = significant;

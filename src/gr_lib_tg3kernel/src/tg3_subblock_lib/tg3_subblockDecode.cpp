@@ -47,9 +47,8 @@ SubblockDecode::PlaneBounds SubblockDecode::boundsOf(std::span<const TG3CodedPla
 GR_STATUS SubblockDecode::prepare(const TG3SubblockShape& shape, gr_uint32 numPlanes) {
   m_scan.width = shape.columns.count();
   m_scan.height = shape.rows.count();
-  m_scan.magnitudeContexts = &tg3_magnitudeContexts(shape.subband);
-  m_scan.contexts = m_contexts.data();
-  grmq_resetContexts(m_contexts);
+  m_scan.model = &m_model;
+  m_model.reset(shape.subband);
 
   const gr_uint64 rows = m_scan.height;
   const gr_uint64 words = m_scan.wordsPerRow();

@@ -70,7 +70,7 @@ class SubblockDecode {
                    gr_int32* samples, size_t stride) const;
 
   TG3PlaneScan m_scan;
-  GRMQContexts m_contexts{};
+  TG3ContextModel m_model{};
   GRArray<gr_uint16> m_flags;
   GRArray<gr_uint64> m_significant;
   GRArray<gr_uint64> m_negative;
