@@ -63,5 +63,5 @@ TEST(GRIHostJsonTest, MetadataKeepsShapesAndAllDigits) {
   EXPECT_EQ(metadata[3]["value"].dump(), "18446744073709551615");
   EXPECT_EQ(metadata[4]["value"].dump(), "-9223372036854775807");
   EXPECT_EQ(metadata[5]["value"], nlohmann::ordered_json::parse("[0.5, -1.5]"));
-  EXPECT_EQ(metadata[6]["value"], nlohmann::json::array());
+  EXPECT_EQ(metadata[6]["value"], nlohmann::ordered_json::array());
 }

@@ -192,7 +192,9 @@ void GRIGdalDataset::copyRow(int band, int column, int row, int columns, void* o
   }
   auto* place = static_cast<GByte*>(out);
   for (int i = 0; i < columns; ++i, place += pixelSpace) {
-    const auto value = static_cast<gr_int16>(static_cast<gr_int8>(samples[i]));
+    // The two's complement of the byte, widened.
+    const int byte = std::to_integer<int>(samples[i]);
+    const auto value = static_cast<gr_int16>(byte < 128 ? byte : byte - 256);
     GDALCopyWords64(&value, GDT_Int16, 0, place, type, 0, 1);
   }
 }

@@ -108,7 +108,7 @@ GRIHostError GRIGdalStrip::decodeRows(const GRIHostWindow& rows) {
 
 /// Decodes what can be decoded: halves what fails, rows first, down to the smallest piece.
 GRIHostError GRIGdalStrip::decodeSalvaging(const GRIHostWindow& window) {
-  const GRIHostError error = decodePiece(window);
+  GRIHostError error = decodePiece(window);
   if (!error) {
     m_damage->decodedPixels += pixelsOf(window);
     return {};

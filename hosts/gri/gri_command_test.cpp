@@ -51,7 +51,7 @@ class GRICommandTest : public Test {
                       std::vector<std::string> options = {}) {
     picture.writeTo(path("IN"));
     options.insert(options.begin(), {"convert", path("IN"), path(output)});
-    const Result result = run(options);
+    Result result = run(options);
     std::filesystem::remove(path("IN"));
     EXPECT_EQ(directory.names(), Names());
     return result;

@@ -1,0 +1,217 @@
+#!/usr/bin/env python3
+"""Tests of the command gri as a process: pipes, terminals, signals and memory.
+
+    gri_process_test.py GRI [TEST...]
+
+GRI is the command over the fake library, whose pictures are files with a few lines of text. Set
+GRI_SANITIZED when it is built with a sanitizer, whose memory is not the command's.
+"""
+import os
+import pathlib
+import pty
+import resource
+import select
+import signal
+import subprocess
+import sys
+import tempfile
+import time
+import unittest
+
+GRI = ""
+MIB = 1 << 20
+
+
+def write_picture(path, **settings):
+    """A synthetic picture for the fake library, see tests/support/fake_gri.h."""
+    picture = dict(width=100, height=80, bands=3, colorSpace=0x0301, dataType=1,
+                   minMagnification=0.125, maxMagnification=1, position="", openStatus=0,
+                   damagedFrom=0, damagedTo=0, damageStatus=2005, throws=0, isLocked=0, wkt="",
+                   noData="", bits=0, hasOddRecords=0, statesPosition=0)
+    picture.update(settings)
+    lines = "".join(f"{key} {value}\n" for key, value in picture.items())
+    path.write_bytes(b"tsra\3\0\0\0\n" + lines.encode())
+
+
+def run_on_terminal(arguments, env=None):
+    """Runs the command with a terminal as standard output and error; its exit code and output."""
+    main, child = pty.openpty()
+    process = subprocess.Popen([GRI, *arguments], stdout=child, stderr=child,
+                               stdin=subprocess.DEVNULL, env={**os.environ, **(env or {})})
+    os.close(child)
+    output = b""
+    while True:
+        try:
+            chunk = os.read(main, 65536)
+        except OSError:  # the other end is closed
+            break
+        if not chunk:
+            break
+        output += chunk
+    os.close(main)
+    return process.wait(), output.decode()
+
+
+class ProcessTest(unittest.TestCase):
+    def setUp(self):
+        self._holder = tempfile.TemporaryDirectory(prefix="gri_test_")
+        self.folder = pathlib.Path(self._holder.name)
+        self.temporary = self.folder / "tmp"
+        self.temporary.mkdir()
+        self.out = self.folder / "out"
+        self.out.mkdir()
+        self.env = {**os.environ, "TMPDIR": str(self.temporary)}
+        self.small = self.folder / "small.tsr"
+        write_picture(self.small)
+        self.large = self.folder / "large.tsr"
+        write_picture(self.large, width=40000, height=40000, bands=1, colorSpace=0x0101)
+
+    def tearDown(self):
+        self.assertEqual(list(self.temporary.iterdir()), [], "temporary files are left")
+        self._holder.cleanup()
+
+    def run_gri(self, *arguments, **options):
+        return subprocess.run([GRI, *map(str, arguments)], capture_output=True, env=self.env,
+                              check=False, **options)
+
+    def test_standard_input_and_output_carry_the_same_bytes_as_files(self):
+        for form in ("raw", "PNG", "GTiff", "COG"):
+            with self.subTest(form):
+                file = self.out / form
+                self.assertEqual(self.run_gri("convert", "-f", form, self.small, file).returncode, 0)
+                piped = self.run_gri("convert", "-f", form, "-", "-", input=self.small.read_bytes())
+                self.assertEqual(piped.returncode, 0, piped.stderr)
+                self.assertEqual(piped.stdout, file.read_bytes())
+                with self.small.open("rb") as redirected:
+                    read = self.run_gri("convert", "-f", form, "-", "-", stdin=redirected)
+                self.assertEqual(read.stdout, file.read_bytes())
+
+    def test_info_reads_standard_input(self):
+        result = self.run_gri("info", "-", input=self.small.read_bytes())
+        self.assertEqual(result.returncode, 0, result.stderr)
+        self.assertIn(b"100 x 80 pixels", result.stdout)
+
+    def test_nothing_but_the_picture_goes_to_standard_output(self):
+        result = self.run_gri("convert", "-f", "raw", self.small, "-")
+        self.assertEqual(len(result.stdout), 100 * 80 * 3)
+        self.assertEqual(result.stderr, b"")
+
+    def test_a_reader_that_goes_away_is_a_failed_write(self):
+        read_end, write_end = os.pipe()
+        process = subprocess.Popen([GRI, "convert", "-f", "raw", str(self.small), "-"],
+                                   stdout=write_end, stderr=subprocess.PIPE, env=self.env)
+        os.close(write_end)
+        os.close(read_end)
+        _, errors = process.communicate()
+        self.assertEqual(process.returncode, 1)
+        self.assertEqual(errors, b"gri: -: Broken pipe [50005]\n")
+
+    def test_labels_are_bold_on_a_terminal_alone(self):
+        bold = "\x1b[1mSize\x1b[0m"
+        self.assertIn(bold, run_on_terminal(["info", str(self.small)], {"TERM": "xterm",
+                                                                         "NO_COLOR": ""})[1])
+        for env in ({"TERM": "xterm", "NO_COLOR": "1"}, {"TERM": "dumb", "NO_COLOR": ""}):
+            self.assertNotIn("\x1b", run_on_terminal(["info", str(self.small)], env)[1])
+        self.assertNotIn(b"\x1b", self.run_gri("info", self.small).stdout)
+
+    def test_json_is_never_bold(self):
+        code, output = run_on_terminal(["info", "--json", str(self.small)], {"TERM": "xterm"})
+        self.assertEqual(code, 0)
+        self.assertNotIn("\x1b", output)
+
+    def test_a_picture_is_not_written_to_a_terminal(self):
+        code, output = run_on_terminal(["convert", "-f", "PNG", str(self.small), "-"])
+        self.assertEqual(code, 2)
+        self.assertIn("nothing for a terminal", output)
+
+    def test_progress_is_shown_on_a_terminal_alone(self):
+        slow = [str(self.large), "--window", "0", "0", "20000", "5000"]  # deflating takes a while
+        code, output = run_on_terminal(["convert", *slow, str(self.out / "a.png")])
+        self.assertEqual(code, 0)
+        self.assertRegex(output, r"\d+%  [0-9.]+ Mpixel/s")
+        self.assertTrue(output.endswith("\r\x1b[K"), "the line is not wiped")
+        code, output = run_on_terminal(["convert", "--quiet", *slow, str(self.out / "b.png")])
+        self.assertEqual((code, output), (0, ""))
+        quiet = self.run_gri("convert", *slow, self.out / "c.png")
+        self.assertEqual((quiet.returncode, quiet.stderr), (0, b""))
+
+    def interrupt(self, number, *arguments):
+        """Sends a signal when the command has begun to write; its exit code."""
+        process = subprocess.Popen([GRI, "convert", *map(str, arguments)], env=self.env,
+                                   stdout=subprocess.DEVNULL, stderr=subprocess.PIPE)
+        deadline = time.monotonic() + 30
+        while not any(self.out.iterdir()) and time.monotonic() < deadline:
+            time.sleep(0.01)
+        process.send_signal(number)
+        _, errors = process.communicate(timeout=60)
+        self.assertEqual(errors, b"")
+        return process.returncode
+
+    def test_an_interrupted_conversion_leaves_nothing(self):
+        for form in ("raw", "GTiff", "PNG", "COG"):
+            with self.subTest(form):
+                code = self.interrupt(signal.SIGINT, "-f", form, self.large, self.out / "picture")
+                self.assertEqual(code, 130)
+                self.assertEqual(list(self.out.iterdir()), [])
+
+    def test_other_signals_to_end_are_told_by_their_numbers(self):
+        self.assertEqual(self.interrupt(signal.SIGTERM, self.large, self.out / "a.raw"), 143)
+        self.assertEqual(list(self.out.iterdir()), [])
+
+    def test_an_interrupt_keeps_the_file_that_was_there(self):
+        old = self.out / "a.raw"
+        old.write_bytes(b"old")
+        process = subprocess.Popen([GRI, "convert", "--force", str(self.large), str(old)])
+        while len(list(self.out.iterdir())) < 2:
+            time.sleep(0.01)
+        process.send_signal(signal.SIGINT)
+        self.assertEqual(process.wait(60), 130)
+        self.assertEqual(old.read_bytes(), b"old")
+        self.assertEqual(len(list(self.out.iterdir())), 1)
+
+    def test_an_interrupt_ends_the_wait_for_standard_input(self):
+        process = subprocess.Popen([GRI, "convert", "-f", "raw", "-", "-"], stdin=subprocess.PIPE,
+                                   stdout=subprocess.PIPE, stderr=subprocess.PIPE, env=self.env)
+        time.sleep(1)
+        process.send_signal(signal.SIGINT)
+        ready, _, _ = select.select([process.stdout], [], [], 30)
+        self.assertTrue(ready, "it still waits")
+        process.stdin.close()
+        self.assertEqual(process.wait(60), 130)
+        process.stdout.close()
+        process.stderr.close()
+
+    def test_a_full_disk_is_a_failed_write(self):
+        limit = MIB
+
+        def lower():
+            resource.setrlimit(resource.RLIMIT_FSIZE, (limit, limit))
+            signal.signal(signal.SIGXFSZ, signal.SIG_IGN)
+
+        for form in ("raw", "GTiff"):
+            with self.subTest(form):
+                result = self.run_gri("convert", "-f", form, "--window", 0, 0, 4000, 4000,
+                                      self.large, self.out / "picture", preexec_fn=lower)
+                self.assertEqual(result.returncode, 1, result.stderr)
+                self.assertIn(b"[50005]", result.stderr)
+                self.assertEqual(list(self.out.iterdir()), [])
+
+    @unittest.skipIf("GRI_SANITIZED" in os.environ, "a sanitizer has memory of its own")
+    def test_memory_stays_in_strips_for_any_size(self):
+        part = ["--window", "0", "0", "40000", "8000"]
+        for options in (["-f", "raw"], ["-f", "GTiff", *part], ["-f", "PNG", "--size", "1000x"]):
+            with self.subTest(options):
+                target = self.out / "picture"
+                process = subprocess.Popen([GRI, "convert", *options, str(self.large), str(target)],
+                                           env=self.env)
+                _, status, usage = os.wait4(process.pid, 0)
+                process.returncode = os.waitstatus_to_exitcode(status)
+                self.assertEqual(process.returncode, 0)
+                peak = usage.ru_maxrss * 1024 / MIB
+                self.assertLess(peak, 160)
+                target.unlink()
+
+
+if __name__ == "__main__":
+    GRI = sys.argv.pop(1)
+    unittest.main()
