@@ -16,7 +16,7 @@ bool isContinuation(char byte) { return (static_cast<unsigned char>(byte) & 0xC0
 }  // namespace
 
 std::string GRITerminal::bold(const std::string& text) const {
-  return isBold ? "\x1B[1m" + text + "\x1B[0m" : text;
+  return isBold && !text.empty() ? "\x1B[1m" + text + "\x1B[0m" : text;
 }
 
 std::string GRITerminal::cut(const std::string& utf8, int columns) {

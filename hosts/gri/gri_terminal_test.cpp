@@ -5,6 +5,7 @@
 TEST(GRITerminalTest, BoldIsOnlyForTerminals) {
   EXPECT_EQ(GRITerminal().bold("Size"), "Size");
   EXPECT_EQ((GRITerminal{.isBold = true}.bold("Size")), "\x1B[1mSize\x1B[0m");
+  EXPECT_EQ((GRITerminal{.isBold = true}.bold("")), "");
 }
 
 TEST(GRITerminalTest, LongTextIsCutBetweenCharacters) {
