@@ -51,10 +51,10 @@ class GRIODynamicMemStream : public GRIOStreamInf {
 
  private:
   struct Deleter {
-    Deleter() : free(nullptr) {}
-    explicit Deleter(GRIOFreeFunction freeFunc) : free(freeFunc) {}
-    void operator()(gr_uint8* data) const { free(data); }
-    GRIOFreeFunction free;
+    Deleter() : giveBack(nullptr) {}
+    explicit Deleter(GRIOFreeFunction freeFunc) : giveBack(freeFunc) {}
+    void operator()(gr_uint8* data) const { giveBack(data); }
+    GRIOFreeFunction giveBack;
   };
 
   // Makes room for data up to `end`.

@@ -135,7 +135,7 @@ GRIOStreamInf* GRIODynamicMemStream::duplicate() {
   auto copy = gr_makeUnique<GRIODynamicMemStream>();
   if (copy == nullptr) return nullptr;
   const GR_STATUS status =
-      copy->initialize(m_size, m_alloc, m_realloc, m_data.get_deleter().free, m_growth);
+      copy->initialize(m_size, m_alloc, m_realloc, m_data.get_deleter().giveBack, m_growth);
   if (!GR_SUCCESS(status)) return nullptr;
   std::memcpy(copy->m_data.get(), m_data.get(), m_size);
   copy->m_size = m_size;
