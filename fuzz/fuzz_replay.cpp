@@ -40,7 +40,7 @@ std::size_t place(std::mt19937& random, std::size_t size) {
 }
 
 void mutate(Bytes& bytes, std::mt19937& random) {
-  const unsigned changes = 1 + random() % 3;
+  const auto changes = 1 + random() % 3;
   for (unsigned i = 0; i < changes && !bytes.empty(); ++i) {
     std::uint8_t& byte = bytes[place(random, bytes.size())];
     switch (random() % 4) {
