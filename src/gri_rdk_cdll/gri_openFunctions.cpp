@@ -1,0 +1,50 @@
+// The exported functions that open and close; what they do is documented in the public header.
+// This is the only place where the classes of the readers are chosen.
+#include "gr_lib_utils/include/gr_fileSpec.h"
+#include "gr_lib_utils/include/gr_memory.h"
+#include "gr_lib_utils/include/gr_smartPointer.h"
+#include "gr_lib_utils/include/gr_status.h"
+#include "gri_rdk_cdll.h"
+#include "gri_rdk_cdll/gri_handles.h"
+#include "image/gri_imageStage.h"
+
+GR_STATUS gric_openTesraImageFile(gric_image* image, const char* fileName) {
+  if (image == nullptr || fileName == nullptr) return GR_STATUS_NULL_ARGUMENT;
+  *image = nullptr;
+  return GRI_STATUS_UNSUPPORTED_OPERATION;
+}
+
+GR_STATUS gric_openTesraImageStream(gric_image* image, gr_ioCStream stream) {
+  if (image == nullptr || stream == nullptr) return GR_STATUS_NULL_ARGUMENT;
+  *image = nullptr;
+  return GRI_STATUS_UNSUPPORTED_OPERATION;
+}
+
+GR_STATUS gric_openJP2ImageFile(gric_image* image, const char* fileName) {
+  if (image == nullptr || fileName == nullptr) return GR_STATUS_NULL_ARGUMENT;
+  *image = nullptr;
+  return GRI_STATUS_UNSUPPORTED_OPERATION;
+}
+
+GR_STATUS gric_openJP2ImageStream(gric_image* image, gr_ioCStream stream) {
+  if (image == nullptr || stream == nullptr) return GR_STATUS_NULL_ARGUMENT;
+  *image = nullptr;
+  return GRI_STATUS_UNSUPPORTED_OPERATION;
+}
+
+GR_STATUS gric_openNITFImageFile(gric_image* image, const char* fileName) {
+  if (image == nullptr || fileName == nullptr) return GR_STATUS_NULL_ARGUMENT;
+  *image = nullptr;
+  return GRI_STATUS_UNSUPPORTED_OPERATION;
+}
+
+GR_STATUS gric_setTesraPassword(gric_image image, const char* password) {
+  if (image == nullptr || password == nullptr) return GR_STATUS_NULL_ARGUMENT;
+  return GRI_STATUS_UNSUPPORTED_OPERATION;
+}
+
+GR_STATUS gric_closeImage(gric_image image) {
+  if (image == nullptr) return GR_STATUS_NULL_ARGUMENT;
+  static_cast<void>(gri_stageOf(image).release());
+  return GR_STATUS_OK;
+}
