@@ -79,12 +79,20 @@ bool GRIUtils::isFloat(GRIDataType dataType) {
     case GRI_DATATYPE_COMPLEX32:
     case GRI_DATATYPE_COMPLEX64:
       return true;
+    case GRI_DATATYPE_UINT8:
+    case GRI_DATATYPE_SINT8:
+    case GRI_DATATYPE_UINT16:
+    case GRI_DATATYPE_SINT16:
+    case GRI_DATATYPE_UINT32:
+    case GRI_DATATYPE_SINT32:
+    case GRI_DATATYPE_UINT64:
+    case GRI_DATATYPE_SINT64:
+      return false;
     case GRI_DATATYPE_INVALID:
-      assert(!"bad datatype");
-      return false;
-    default:
-      return false;
+      break;
   }
+  assert(!"bad datatype");
+  return false;
 }
 
 bool GRIUtils::needsSwapping(GRIDataType dataType, GRIEndian byteOrder) {

@@ -63,17 +63,17 @@ class GRIGeoCoord {
 
   /// The name of the world file of an image: its suffix becomes its first and last letter and
   /// "w", or "W" when both are capitals; "xxx" for a suffix of fewer than two letters.
-  /// @return 0; 50010 for the empty specification
+  /// @return 0; 50010 for the empty specification; 8
   static GR_STATUS getWorldFileName(const GRFileSpec& path, GRFileSpec& worldFile);
   /// @param deriveName  whether `path` is the image's name
-  /// @return 0; 50005 when the file can't be written; 50010
+  /// @return 0; 50005 when the file can't be written; 50010; 8
   [[nodiscard]] GR_STATUS writeWorldFile(const GRFileSpec& path, bool deriveName) const;
   /// Reads an open stream from its begin, without regard to the locale. The WKT stays.
   /// @return 0; 50006 for fewer than six numbers or 2 GiB and more; the stream's last error for a
   ///         short read; 8. After a failure nothing has changed.
   [[nodiscard]] GR_STATUS readWorldFile(GRIOStreamInf& stream);
   /// @param found  whether there is such a file; none is no failure
-  /// @return as above; 50006 when it can't be opened; 50010
+  /// @return as above; 50006 when it can't be opened; 50010; 8
   [[nodiscard]] GR_STATUS readWorldFile(const GRFileSpec& path, bool deriveName, bool& found);
 
   // The records IMAGE::XY_ORIGIN, X_RESOLUTION, Y_RESOLUTION, X_ROTATION, Y_ROTATION and WKT.

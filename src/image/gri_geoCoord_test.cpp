@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <clocale>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
@@ -127,6 +126,62 @@ TEST(GRIWorldFileTest, FiveNumbersAreTooFewAndLeaveTheCoordinateAlone) {
     EXPECT_EQ(readText(geo, text), GRI_STATUS_READ_ERROR) << text;
     EXPECT_TRUE(geo == GEO);
   }
+}
+
+TEST(GRIWorldFileTest, TakesNumbersTooSmallForADoubleAsZero) {
+  GRIGeoCoord geo;
+  ASSERT_EQ(readText(geo, "1 1e-400 0 -1 3 4"), GR_STATUS_OK);
+  EXPECT_EQ(geo.getXRot(), 0.0);
+}
+
+TEST(GRIWorldFileTest, EndsAtItsFirstZeroByte) {
+  using namespace std::string_literals;
+  GRIGeoCoord geo;
+  EXPECT_EQ(readText(geo, "1 2 3 4 5\0 6"s), GRI_STATUS_READ_ERROR);
+  EXPECT_EQ(readText(geo, "1 2 3 4 5 6\0 7"s), GR_STATUS_OK);
+}
+
+/// A stream that claims to be long and has nothing.
+class ClaimingStream final : public GRIOStreamInf {
+ public:
+  explicit ClaimingStream(gr_int64 length) : m_length(length) {}
+  bool isEOF() override { return true; }
+  bool isOpen() override { return true; }
+  GR_STATUS open() override { return GR_STATUS_OK; }
+  GR_STATUS close() override { return GR_STATUS_OK; }
+  gr_uint32 read(gr_uint8*, gr_uint32) override { return 0; }
+  gr_uint32 write(const gr_uint8*, gr_uint32) override { return 0; }
+  GR_STATUS seek(gr_int64, GRIOSeekDir origin) override {
+    m_position = origin == GRIO_SEEK_END ? m_length : 0;
+    return GR_STATUS_OK;
+  }
+  gr_int64 tell() override { return m_position; }
+  GRIOStreamInf* duplicate() override { return nullptr; }
+  GR_STATUS getLastError() override { return lastError; }
+  const char* getID() override { return "claiming:"; }
+
+  GR_STATUS lastError = GR_STATUS_OK;
+
+ private:
+  gr_int64 m_length;
+  gr_int64 m_position = 0;
+};
+
+TEST(GRIWorldFileTest, AStreamOf2GiBOrMoreIsAReadError) {
+  ClaimingStream stream(0x80000000);
+  stream.lastError = 4711;
+  GRIGeoCoord geo(GEO);
+  EXPECT_EQ(geo.readWorldFile(stream), GRI_STATUS_READ_ERROR);
+  EXPECT_TRUE(geo == GEO);
+}
+
+TEST(GRIWorldFileTest, AShortReadGivesTheStreamsReasonOrElseAReadError) {
+  ClaimingStream stream(0x7FFFFFFF);
+  GRIGeoCoord geo(GEO);
+  EXPECT_EQ(geo.readWorldFile(stream), GRI_STATUS_READ_ERROR);
+  stream.lastError = 4711;
+  EXPECT_EQ(geo.readWorldFile(stream), 4711u);
+  EXPECT_TRUE(geo == GEO);
 }
 
 TEST(GRIWorldFileTest, ReadingKeepsTheWKT) {

@@ -46,7 +46,9 @@ gr_uint64 GRIImage::getNumBytes() const {
 bool GRIImage::isFullDynamicRange() const {
   const GRIPixel& lowest = getMinDynamicRange();
   const GRIPixel& highest = getMaxDynamicRange();
-  for (gr_uint16 band = 0; band < getNumBands(); ++band) {
+  const gr_uint16 numBands = getNumBands();
+  assert(lowest.getNumBands() == numBands && highest.getNumBands() == numBands);
+  for (gr_uint16 band = 0; band < numBands; ++band) {
     if (!isFullRange(lowest.getSample(band), highest.getSample(band))) return false;
   }
   return true;
@@ -95,8 +97,9 @@ void GRIImage::getGeoPosition(GRIPosition position, double& x, double& y) const 
       y = 0.0;
       return;
   }
-  x = geo.getXOrigin() + right * dx;
-  y = geo.getYOrigin() + down * dy;
+  // Not by 0 times: what has no distance from the origin is the origin, for any resolution.
+  x = right > 0.0 ? geo.getXOrigin() + right * dx : geo.getXOrigin();
+  y = down > 0.0 ? geo.getYOrigin() + down * dy : geo.getYOrigin();
 }
 
 std::unique_ptr<GRIPixel> GRIImage::createBackgroundPixel() const {

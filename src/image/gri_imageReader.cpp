@@ -1,5 +1,6 @@
 #include "image/gri_imageReader.h"
 
+#include "gr_lib_utils/include/gr_checkedMath.h"
 #include "gr_lib_utils/include/gr_status.h"
 #include "image/gri_navigator.h"
 
@@ -12,12 +13,10 @@ GR_STATUS GRIImageReader::getDimsAtMag(double mag, gr_uint32& width, gr_uint32& 
 }
 
 gr_int64 GRIImageReader::getSceneCost(const GRIScene& scene) const {
-  constexpr gr_int64 UNIT = 1024;  // bytes
-  const gr_int64 pixels = gr_int64{scene.getNumCols()} * scene.getNumRows();
-  const gr_int64 bytesPerPixel = getPixelProps().getNumBytes();
-  // 2^62 pixels at most; the product may pass 64 bits, the quotient of its factors doesn't.
-  if (pixels > INT64_MAX / bytesPerPixel) return pixels / UNIT * bytesPerPixel;
-  return pixels * bytesPerPixel / UNIT;
+  constexpr gr_uint64 UNIT = 1024;  // bytes
+  const gr_uint64 pixels =
+      static_cast<gr_uint64>(scene.getNumCols()) * static_cast<gr_uint64>(scene.getNumRows());
+  return static_cast<gr_int64>(gr_saturatingMultiply(pixels, getPixelProps().getNumBytes()) / UNIT);
 }
 
 bool GRIImageReader::getClippedScene(const GRIScene& scene, GRIScene& out) const {

@@ -128,7 +128,7 @@ void GRINavigator::roundScene() {
 GR_STATUS GRINavigator::setSceneAsFitInside(gr_uint32 maxWidth, gr_uint32 maxHeight) {
   const double smallest = m_image->getMinMagnification();
   double mag = std::min(m_image->getMaxMagnification(), LARGEST_FIT_INSIDE);
-  while (mag >= smallest) {
+  do {
     gr_uint32 width = 0;
     gr_uint32 height = 0;
     GR_RETURN_IF_FAILED(m_image->getDimsAtMag(mag, width, height));
@@ -137,7 +137,7 @@ GR_STATUS GRINavigator::setSceneAsFitInside(gr_uint32 maxWidth, gr_uint32 maxHei
       return setSceneAsULWH(0.0, 0.0, width, height, mag);
     }
     mag /= 2;
-  }
+  } while (mag >= smallest && mag > 0.0);
   return GR_STATUS_FAILURE;
 }
 

@@ -40,9 +40,12 @@ constexpr gr_int32 KNOWN_FLAGS = 0x03FFFF;
 bool GRIPixel::fits(GRIColorSpace colorSpace, gr_uint32 numBands, GRIDataType dataType) {
   if (!GRIUtils::isSampleType(dataType) || numBands == 0 || numBands > 0xFFFF) return false;
   if ((colorSpace & ~KNOWN_FLAGS) != 0) return false;
-  if (GRIUtils::stripAlpha(colorSpace) == GRI_COLORSPACE_MULTISPECTRAL) return true;
+  const gr_uint32 alphaBands = GRIUtils::hasAlpha(colorSpace) ? 1 : 0;
+  if (GRIUtils::stripAlpha(colorSpace) == GRI_COLORSPACE_MULTISPECTRAL) {
+    return numBands > alphaBands;
+  }
   const size_t colors = colorsOf(colorSpace).size();
-  return colors > 0 && numBands == colors + (GRIUtils::hasAlpha(colorSpace) ? 1 : 0);
+  return colors > 0 && numBands == colors + alphaBands;
 }
 
 GRIPixel::GRIPixel(GRIColorSpace colorSpace, gr_uint16 numBands, GRIDataType dataType,

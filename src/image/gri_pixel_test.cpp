@@ -190,6 +190,9 @@ TEST(GRIPixelTest, KnowsWhatFitsTogether) {
   EXPECT_FALSE(GRIPixel::fits(GRI_COLORSPACE_MULTISPECTRAL, 0, GRI_DATATYPE_UINT8));
   EXPECT_FALSE(GRIPixel::fits(GRI_COLORSPACE_MULTISPECTRAL, 0x10000, GRI_DATATYPE_UINT8));
   EXPECT_FALSE(GRIPixel::fits(GRI_COLORSPACE_RGB, 3, GRI_DATATYPE_COMPLEX32));
+  // A pixel with alpha has more than one band.
+  EXPECT_FALSE(GRIPixel::fits(static_cast<GRIColorSpace>(0x01FF01), 1, GRI_DATATYPE_UINT8));
+  EXPECT_TRUE(GRIPixel::fits(static_cast<GRIColorSpace>(0x01FF01), 2, GRI_DATATYPE_UINT8));
   EXPECT_FALSE(GRIPixel::fits(static_cast<GRIColorSpace>(0x0304), 3, GRI_DATATYPE_UINT8));
   EXPECT_FALSE(GRIPixel::fits(static_cast<GRIColorSpace>(0x40301), 3, GRI_DATATYPE_UINT8));
 }

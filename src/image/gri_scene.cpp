@@ -88,7 +88,8 @@ GRIScene GRIScene::clip(double width, double height) const {
   GRIScene clipped = *this;
   clipped.m_column = std::clamp(m_column, 0.0, width);
   clipped.m_row = std::clamp(m_row, 0.0, height);
-  clipped.m_width = std::max(std::clamp(getLowerRightCol(), 0.0, width) - clipped.m_column, 0.0);
-  clipped.m_height = std::max(std::clamp(getLowerRightRow(), 0.0, height) - clipped.m_row, 0.0);
+  // In this order, no number becomes 0.
+  clipped.m_width = std::max(0.0, std::clamp(getLowerRightCol(), 0.0, width) - clipped.m_column);
+  clipped.m_height = std::max(0.0, std::clamp(getLowerRightRow(), 0.0, height) - clipped.m_row);
   return clipped;
 }
