@@ -30,14 +30,19 @@ GR_STATUS GRIImageStage::checkImpedance(const GRIScene& scene, const GRISceneBuf
 
 GR_STATUS GRIImageStage::readStrips(GRISceneBuffer& buffer) {
   const GRIStripMarcher marcher = *m_stripMarcher;
-  const double firstRow = marcher.getFullScene().getUpperLeftRow();
+  const gr_int64 firstRow = marcher.getFullScene().getUpperLeftIntRow();
   for (gr_int32 number = 0; number < marcher.getNumStrips(); ++number) {
     const GRIScene stripScene = marcher.getStripScene(number);
-    const gr_uint32 rowOffset =
-        static_cast<gr_uint32>(GRIScene::round(stripScene.getUpperLeftRow() - firstRow));
+    const gr_uint32 rowOffset = static_cast<gr_uint32>(stripScene.getUpperLeftIntRow() - firstRow);
     const gr_uint32 numCols = static_cast<gr_uint32>(stripScene.getNumCols());
     const gr_uint32 numRows = static_cast<gr_uint32>(stripScene.getNumRows());
     if (numCols * numRows == 0) return GRI_STATUS_SCENE_TOO_LARGE;
+    // Can't be: the strips tile the scene, which fits. But the scene is numbers of a host's, and a
+    // window past the end would have the reader write there.
+    if (gr_uint64{rowOffset} + numRows > buffer.getWindowNumRows() ||
+        numCols > buffer.getWindowNumCols()) {
+      return GRI_STATUS_SCENE_OUT_OF_RANGE;
+    }
     try {
       GRISceneBuffer window(buffer, 0, rowOffset, numCols, numRows);
       GR_RETURN_IF_FAILED(readStrip(window, stripScene));
