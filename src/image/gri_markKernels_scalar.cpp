@@ -1,3 +1,4 @@
+#include <bit>
 #include <cassert>
 #include <cstring>
 #include <type_traits>
@@ -23,6 +24,17 @@ void mark(size_t begin, size_t numPixels, gr_uint8* marks, Predicate&& isMarked)
   }
 }
 
+bool sameBits(gr_uint8 a, gr_uint8 b) { return a == b; }
+bool sameBits(gr_uint16 a, gr_uint16 b) { return a == b; }
+bool sameBits(gr_uint32 a, gr_uint32 b) { return a == b; }
+bool sameBits(gr_uint64 a, gr_uint64 b) { return a == b; }
+bool sameBits(float a, float b) {
+  return std::bit_cast<gr_uint32>(a) == std::bit_cast<gr_uint32>(b);
+}
+bool sameBits(double a, double b) {
+  return std::bit_cast<gr_uint64>(a) == std::bit_cast<gr_uint64>(b);
+}
+
 template <typename T>
 void markDifferent(const void* const* rows, const void* const* noData, size_t numBands,
                    size_t begin, size_t numPixels, gr_uint8* marks) {
@@ -30,7 +42,7 @@ void markDifferent(const void* const* rows, const void* const* noData, size_t nu
     for (size_t band = 0; band < numBands; ++band) {
       const T sample = sampleAt<T>(rows[band], i);
       const T none = sampleAt<T>(noData[band], 0);
-      if (std::memcmp(&sample, &none, sizeof(T)) != 0 && sample != none) return true;
+      if (!sameBits(sample, none) && sample != none) return true;
     }
     return false;
   });

@@ -47,8 +47,6 @@ void SplitVector(const gr_uint8* interleaved, size_t numPixels, size_t numBands,
   const T* from = reinterpret_cast<const T*>(interleaved);
   T* const p0 = static_cast<T*>(planes[0]);
   T* const p1 = static_cast<T*>(planes[1]);
-  T* const p2 = numBands > 2 ? static_cast<T*>(planes[2]) : nullptr;
-  T* const p3 = numBands > 3 ? static_cast<T*>(planes[3]) : nullptr;
   hn::Vec<decltype(d)> v0, v1, v2, v3;
   size_t i = 0;
   if (numBands == 2) {
@@ -58,6 +56,7 @@ void SplitVector(const gr_uint8* interleaved, size_t numPixels, size_t numBands,
       hn::StoreU(v1, d, p1 + i);
     }
   } else if (numBands == 3) {
+    T* const p2 = static_cast<T*>(planes[2]);
     for (; i + lanes <= numPixels; i += lanes) {
       hn::LoadInterleaved3(d, from + 3 * i, v0, v1, v2);
       hn::StoreU(v0, d, p0 + i);
@@ -65,6 +64,8 @@ void SplitVector(const gr_uint8* interleaved, size_t numPixels, size_t numBands,
       hn::StoreU(v2, d, p2 + i);
     }
   } else {
+    T* const p2 = static_cast<T*>(planes[2]);
+    T* const p3 = static_cast<T*>(planes[3]);
     for (; i + lanes <= numPixels; i += lanes) {
       hn::LoadInterleaved4(d, from + 4 * i, v0, v1, v2, v3);
       hn::StoreU(v0, d, p0 + i);
@@ -84,19 +85,20 @@ void JoinVector(const void* const* planes, size_t numPixels, size_t numBands,
   T* to = reinterpret_cast<T*>(interleaved);
   const T* const p0 = static_cast<const T*>(planes[0]);
   const T* const p1 = static_cast<const T*>(planes[1]);
-  const T* const p2 = numBands > 2 ? static_cast<const T*>(planes[2]) : nullptr;
-  const T* const p3 = numBands > 3 ? static_cast<const T*>(planes[3]) : nullptr;
   size_t i = 0;
   if (numBands == 2) {
     for (; i + lanes <= numPixels; i += lanes) {
       hn::StoreInterleaved2(hn::LoadU(d, p0 + i), hn::LoadU(d, p1 + i), d, to + 2 * i);
     }
   } else if (numBands == 3) {
+    const T* const p2 = static_cast<const T*>(planes[2]);
     for (; i + lanes <= numPixels; i += lanes) {
       hn::StoreInterleaved3(hn::LoadU(d, p0 + i), hn::LoadU(d, p1 + i), hn::LoadU(d, p2 + i), d,
                             to + 3 * i);
     }
   } else {
+    const T* const p2 = static_cast<const T*>(planes[2]);
+    const T* const p3 = static_cast<const T*>(planes[3]);
     for (; i + lanes <= numPixels; i += lanes) {
       hn::StoreInterleaved4(hn::LoadU(d, p0 + i), hn::LoadU(d, p1 + i), hn::LoadU(d, p2 + i),
                             hn::LoadU(d, p3 + i), d, to + 4 * i);

@@ -22,13 +22,13 @@ class AOITag {
   operator GRIMetadataTagRef() const { return m_text.data(); }
 
  private:
-  std::array<char, 64> m_text;  // the longest name has 27 characters
+  std::array<char, 64> m_text = {};  // the longest name has 27 characters
 };
 
 using MethodText = std::array<char, 32>;
 
 MethodText methodText(gr_int32 method) {
-  MethodText text;
+  MethodText text = {};
   if (method >= 0 && static_cast<size_t>(method) < std::size(METHODS)) {
     std::snprintf(text.data(), text.size(), "%s", METHODS[method]);
   } else {
