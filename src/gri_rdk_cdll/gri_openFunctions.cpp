@@ -7,6 +7,8 @@
 #include "gri_rdk_cdll.h"
 #include "gri_rdk_cdll/gri_handles.h"
 #include "image/gri_imageStage.h"
+#include "nitf/nitf_imageManager.h"
+#include "nitf/nitf_imageReader.h"
 #include "tesra/tesra_imageReader.h"
 
 namespace {
@@ -61,7 +63,14 @@ GR_STATUS gric_openJP2ImageStream(gric_image* image, gr_ioCStream stream) {
 GR_STATUS gric_openNITFImageFile(gric_image* image, const char* fileName) {
   if (image == nullptr || fileName == nullptr) return GR_STATUS_NULL_ARGUMENT;
   *image = nullptr;
-  return GRI_STATUS_UNSUPPORTED_OPERATION;
+  const GRUtilSmartPointer<NITFImageManager> manager = makeReader<NITFImageManager>();
+  if (!manager) return GR_STATUS_NO_MEMORY;
+  GR_RETURN_IF_FAILED(manager->initialize(GRFileSpec(fileName), true));
+  // The reader keeps the manager alive.
+  GRUtilSmartPointer<NITFImageReader> reader;
+  GR_RETURN_IF_FAILED(manager->createReader(reader, 1));
+  handOut(reader, image);
+  return GR_STATUS_OK;
 }
 
 GR_STATUS gric_setTesraPassword(gric_image image, const char* password) {
