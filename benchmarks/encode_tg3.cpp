@@ -1,0 +1,129 @@
+// Codes a picture as a TG3 file, losslessly or to a size: material for the benchmarks.
+//
+//     encode_tg3 IN.ppm OUT.tsra [BYTES [LEVELS [BLOCK_SIZE]]]
+//
+// IN is a binary PPM or PGM of 8 or 16 bits. With BYTES above 0 the lowest bit-planes are left out
+// until the planes take no more than that: whole planes of all subbands first, and of the next
+// plane those of the coarse subbands, then as many of the finer ones as there is room for.
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <vector>
+
+#include "tests/support/tg3_writer.h"
+
+namespace {
+
+constexpr gr_uint32 LAST_PLANE = 31;
+constexpr gr_uint32 DEFAULT_LEVELS = 6;
+constexpr gr_uint32 DEFAULT_BLOCK_SIZE = 64;
+constexpr gr_uint8 COLOR_SPACE_GRAY = 1;
+constexpr gr_uint8 COLOR_SPACE_RGB = 10;
+constexpr gr_uint8 COLOR_TRANSFORM_RGB = 4;
+
+struct Picture {
+  gr_uint32 width = 0;
+  gr_uint32 height = 0;
+  gr_uint32 largest = 0;
+  std::vector<std::vector<gr_int32>> components;
+};
+
+bool readPicture(const char* path, Picture& picture) {
+  std::ifstream file(path, std::ios::binary);
+  std::string magic;
+  file >> magic >> picture.width >> picture.height >> picture.largest;
+  file.get();
+  if (!file || (magic != "P5" && magic != "P6") || picture.largest > 0xFFFF) return false;
+  const size_t numComponents = magic == "P6" ? 3 : 1;
+  const size_t sampleBytes = picture.largest > 0xFF ? 2 : 1;
+  const size_t numPixels = size_t{picture.width} * picture.height;
+  std::vector<char> bytes(numPixels * numComponents * sampleBytes);
+  file.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+  picture.components.assign(numComponents, std::vector<gr_int32>(numPixels));
+  for (size_t i = 0; i < numPixels * numComponents; ++i) {
+    gr_int32 value = 0;
+    for (size_t b = 0; b < sampleBytes; ++b) {
+      value = value * 256 + static_cast<gr_uint8>(bytes[i * sampleBytes + b]);
+    }
+    picture.components[i % numComponents][i / numComponents] = value;
+  }
+  return static_cast<bool>(file);
+}
+
+// Bytes of the planes up to `lastPlane`, each with its record.
+size_t bytesUpTo(const TG3TestSubblock& subblock, gr_uint32 lastPlane) {
+  size_t bytes = 0;
+  for (const TG3TestPlane& plane : subblock.planes) {
+    if (plane.plane > lastPlane) continue;
+    bytes += plane.bytes.size() + tg3_planeRecord(true, false, plane.bytes.size(), false).size();
+  }
+  return bytes;
+}
+
+// Subblocks stand in the order of their subbands, the coarse ones first.
+void truncateTo(std::vector<TG3TestSubblock>& subblocks, size_t budget) {
+  const auto total = [&](gr_uint32 lastPlane) {
+    size_t bytes = 0;
+    for (const TG3TestSubblock& subblock : subblocks) bytes += bytesUpTo(subblock, lastPlane);
+    return bytes;
+  };
+  gr_uint32 lastPlane = LAST_PLANE;
+  while (lastPlane > 0 && total(lastPlane) > budget) --lastPlane;
+  if (lastPlane == LAST_PLANE) return;
+  size_t left = budget - total(lastPlane);
+  for (TG3TestSubblock& subblock : subblocks) {
+    const size_t more = bytesUpTo(subblock, lastPlane + 1) - bytesUpTo(subblock, lastPlane);
+    const bool fits = more <= left;
+    if (fits) left -= more;
+    const gr_uint32 last = fits ? lastPlane + 1 : lastPlane;
+    std::erase_if(subblock.planes, [&](const TG3TestPlane& plane) { return plane.plane > last; });
+  }
+  std::erase_if(subblocks, [](const TG3TestSubblock& subblock) { return subblock.planes.empty(); });
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  if (argc < 3 || argc > 6) {
+    std::fprintf(stderr, "usage: encode_tg3 IN.ppm OUT.tsra [BYTES [LEVELS [BLOCK_SIZE]]]\n");
+    return 2;
+  }
+  Picture picture;
+  if (!readPicture(argv[1], picture)) {
+    std::fprintf(stderr, "encode_tg3: can't read %s\n", argv[1]);
+    return 1;
+  }
+  const auto option = [&](int index, gr_uint32 otherwise) {
+    return argc > index ? static_cast<gr_uint32>(std::strtoul(argv[index], nullptr, 10))
+                        : otherwise;
+  };
+  const bool isRgb = picture.components.size() == 3;
+  TG3TestImage image;
+  image.width = picture.width;
+  image.height = picture.height;
+  image.numLevels = static_cast<gr_uint8>(option(4, DEFAULT_LEVELS));
+  image.blockSize = static_cast<gr_uint16>(option(5, DEFAULT_BLOCK_SIZE));
+  image.numComponents = static_cast<gr_uint16>(picture.components.size());
+  image.domainBits = picture.largest > 0xFF ? 16 : 8;
+  image.dynamicRangeMax = static_cast<gr_int32>(picture.largest);
+  image.imageColorSpace = isRgb ? COLOR_SPACE_RGB : COLOR_SPACE_GRAY;
+  image.waveletColorSpace = image.imageColorSpace;
+  image.colorTransform = isRgb ? COLOR_TRANSFORM_RGB : 1;
+  image.storage = 2;
+
+  std::vector<TG3TestSubblock> subblocks =
+      tg3_encode(image, tg3_transform(image, picture.components));
+  const gr_uint32 budget = option(3, 0);
+  if (budget > 0) truncateTo(subblocks, budget);
+  TG3Writer writer;
+  writer.addHeader(image);
+  writer.addPlaneset(image, subblocks);
+  std::ofstream out(argv[2], std::ios::binary);
+  out.write(reinterpret_cast<const char*>(writer.bytes().data()),
+            static_cast<std::streamsize>(writer.bytes().size()));
+  return out ? 0 : 1;
+}
