@@ -2,7 +2,7 @@
  * Decodes a window of an image through the C interface and writes its samples raw, band after
  * band: what a benchmark compares, as a whole process, with the decoders of other formats.
  *
- *     decode_raw IMAGE OUT [MAGNIFICATION [X Y WIDTH HEIGHT]]
+ *     bench_decode IMAGE OUT [MAGNIFICATION [X Y WIDTH HEIGHT]]
  *
  * OUT "-" writes nothing. Without a window it decodes the whole image at the magnification.
  */
@@ -30,7 +30,7 @@ static size_t sampleBytes(gr_int32 dataType) {
 }
 
 static int fail(const char* what, GR_STATUS status) {
-  fprintf(stderr, "decode_raw: %s: %s\n", what, getLastStatusString(status));
+  fprintf(stderr, "bench_decode: %s: %s\n", what, getLastStatusString(status));
   return 1;
 }
 
@@ -60,7 +60,7 @@ int main(int argc, char** argv) {
   int i, result = 0;
 
   if (argc != 3 && argc != 4 && argc != 8) {
-    fprintf(stderr, "usage: decode_raw IMAGE OUT [MAGNIFICATION [X Y WIDTH HEIGHT]]\n");
+    fprintf(stderr, "usage: bench_decode IMAGE OUT [MAGNIFICATION [X Y WIDTH HEIGHT]]\n");
     return 2;
   }
   status = openImage(&image, argv[1]);
@@ -94,7 +94,7 @@ int main(int argc, char** argv) {
       if (fwrite(bands[band], 1, bandBytes, out) != bandBytes) result = 1;
     }
     if (out == NULL || fclose(out) != 0) result = 1;
-    if (result != 0) fprintf(stderr, "decode_raw: can't write %s\n", argv[2]);
+    if (result != 0) fprintf(stderr, "bench_decode: can't write %s\n", argv[2]);
   }
   for (band = 0; band < numBands; ++band) free(bands[band]);
   free(bands);
