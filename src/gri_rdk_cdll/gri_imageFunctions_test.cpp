@@ -1,6 +1,8 @@
 #include <gmock/gmock.h>
 
 #include <cmath>
+#include <filesystem>
+#include <fstream>
 #include <limits>
 #include <string>
 #include <vector>
@@ -346,6 +348,26 @@ TEST(OpenFunctionsTest, LeaveANullHandleWhenTheyFail) {
     EXPECT_NE(open(&image, "/no such file"), 0u);
     EXPECT_EQ(image, nullptr);
   }
+}
+
+TEST(OpenFunctionsTest, RefuseAFileThatIsNoTesraImage) {
+  const std::filesystem::path path = std::filesystem::temp_directory_path() / "gri_no_tesra";
+  std::ofstream(path) << "tsrb and more than enough bytes behind it";
+  gric_image image = nullptr;
+  EXPECT_EQ(gric_openTesraImageFile(&image, path.c_str()), 50607u);
+  EXPECT_EQ(image, nullptr);
+  std::filesystem::remove(path);
+}
+
+TEST(OpenFunctionsTest, TellThePathOfATesraFileThatCannotBeOpened) {
+  ASSERT_EQ(initializeStatusStrings(), 0u);
+  gric_image image = nullptr;
+  EXPECT_EQ(gric_openTesraImageFile(&image, "/no such.tsr"), 50613u);
+  EXPECT_STREQ(getLastStatusString(50613), "can't open file: /no such.tsr [50613]");
+  EXPECT_STREQ(getLastStatusString(50613), "error retrieving status string (3070) [50613]");
+  EXPECT_EQ(terminateStatusStrings(), 0u);
+  EXPECT_EQ(gric_openTesraImageFile(&image, "/no such.tsr"), 50613u);
+  EXPECT_STREQ(getLastStatusString(50613), "can't open file: %F [50613]");
 }
 
 }  // namespace

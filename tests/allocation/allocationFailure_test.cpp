@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <array>
 #include <cstdlib>
+#include <filesystem>
+#include <fstream>
 #include <functional>
 #include <new>
 #include <string>
@@ -19,6 +21,7 @@
 #include "gri_rdk_cdll.h"
 #include "gri_rdk_cdll/gri_fakeStage.h"
 #include "tests/allocation/failing_new.h"
+#include "tests/support/tg3_writer.h"
 
 namespace {
 
@@ -176,6 +179,59 @@ TEST(AllocationFailureTest, ADecodeEndsWithAStatusAndLeavesTheHandleUsable) {
   expectToSurvive([&] { return gric_decode(image, 0, 0, 100, 70, 1.0, pointers.data()); },
                   {GR_STATUS_NO_MEMORY});
   EXPECT_EQ(gric_closeImage(image), 0u);
+}
+
+/// A file in the temporary directory, which goes away.
+class TemporaryFile {
+ public:
+  explicit TemporaryFile(const std::vector<gr_uint8>& bytes) {
+    GRFileSpec path;
+    EXPECT_EQ(GRFileUtils::makeTempFile(GRFileSpec(), nullptr, path), GR_STATUS_OK);
+    m_path = path.utf8();
+    std::ofstream(m_path, std::ios::binary)
+        .write(reinterpret_cast<const char*>(bytes.data()),
+               static_cast<std::streamsize>(bytes.size()));
+  }
+  TemporaryFile(const TemporaryFile&) = delete;
+  TemporaryFile& operator=(const TemporaryFile&) = delete;
+  ~TemporaryFile() { std::filesystem::remove(m_path); }
+
+  const char* path() const { return m_path.c_str(); }
+
+ private:
+  std::string m_path;
+};
+
+/// Opens, decodes and closes a picture of one band and at most 100 x 80 samples of 16 bits.
+/// Whatever fails, the handle that there is can be closed.
+GR_STATUS openDecodeAndClose(GR_STATUS (*open)(gric_image*, const char*), const char* path) {
+  struct Handle {
+    ~Handle() {
+      if (image != nullptr) gric_closeImage(image);
+    }
+    gric_image image = nullptr;
+  } handle;
+  static std::array<gr_uint16, 100 * 80> samples;
+  void* bands[] = {samples.data()};
+  GR_RETURN_IF_FAILED(open(&handle.image, path));
+  return gric_decode(handle.image, 0, 0, gric_getWidth(handle.image), gric_getHeight(handle.image),
+                     1.0, bands);
+}
+
+std::vector<gr_uint8> tesraFile() {
+  TG3TestImage image;
+  image.width = 100;
+  image.height = 80;
+  image.numLevels = 2;
+  std::vector<gr_int32> plane(100 * 80);
+  for (size_t i = 0; i < plane.size(); ++i) plane[i] = static_cast<gr_int32>(i * 7 % 256);
+  return tg3_writeImage(image, {plane});
+}
+
+TEST(AllocationFailureTest, ATesraImageOpensDecodesAndClosesOrSaysSo) {
+  const TemporaryFile file(tesraFile());
+  expectToSurvive([&] { return openDecodeAndClose(gric_openTesraImageFile, file.path()); },
+                  {GR_STATUS_NO_MEMORY, TG3_STATUS_NO_MEMORY, TESRA_STATUS_CANNOT_OPEN});
 }
 
 }  // namespace
