@@ -166,7 +166,7 @@ TEST_F(ImageFunctionsTest, LeaveTheSizeAloneWhenThereIsNone) {
 }
 
 TEST_F(ImageFunctionsTest, DecodeTheWholePictureInStrips) {
-  Bands bands(100 * 70);
+  Bands bands(size_t{100} * 70);
   EXPECT_EQ(gric_decode(m_image, 0, 0, 100, 70, 1.0, bands.pointers()), 0u);
   for (gr_uint32 band = 0; band < 3; ++band) {
     EXPECT_EQ(bands.plane(band), expectedPlane(band, 0, 0, 100, 70));
@@ -174,7 +174,7 @@ TEST_F(ImageFunctionsTest, DecodeTheWholePictureInStrips) {
 }
 
 TEST_F(ImageFunctionsTest, DecodeARectangleIntoExactlyItsBuffer) {
-  Bands bands(7 * 33);
+  Bands bands(size_t{7} * 33);
   EXPECT_EQ(gric_decode(m_image, 11, 20, 7, 33, 1.0, bands.pointers()), 0u);
   for (gr_uint32 band = 0; band < 3; ++band) {
     EXPECT_EQ(bands.plane(band), expectedPlane(band, 11, 20, 7, 33));
@@ -202,7 +202,7 @@ TEST_F(ImageFunctionsTest, RefuseNullBuffers) {
 }
 
 TEST_F(ImageFunctionsTest, RefuseScenesThatTheImageCannotServe) {
-  Bands bands(100 * 70);
+  Bands bands(size_t{100} * 70);
   EXPECT_EQ(gric_decode(m_image, 0, 0, 0, 0, 1.0, bands.pointers()), 50013u);
   EXPECT_EQ(gric_decode(m_image, 0, 0, 5, 0, 1.0, bands.pointers()), 50013u);
   EXPECT_EQ(gric_decode(m_image, 500, 500, 10, 10, 1.0, bands.pointers()), 50013u);

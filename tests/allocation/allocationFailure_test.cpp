@@ -173,7 +173,8 @@ TEST(AllocationFailureTest, CallbackStreamsAreNull) {
 
 TEST(AllocationFailureTest, ADecodeEndsWithAStatusAndLeavesTheHandleUsable) {
   const gric_image image = FakeStage::open();
-  std::vector<std::vector<gr_uint16>> planes(FakeStage::BANDS, std::vector<gr_uint16>(100 * 70));
+  std::vector<std::vector<gr_uint16>> planes(FakeStage::BANDS,
+                                             std::vector<gr_uint16>(size_t{100} * 70));
   std::array<void*, FakeStage::BANDS> pointers{};
   for (size_t band = 0; band < planes.size(); ++band) pointers[band] = planes[band].data();
   expectToSurvive([&] { return gric_decode(image, 0, 0, 100, 70, 1.0, pointers.data()); },
@@ -211,7 +212,7 @@ GR_STATUS openDecodeAndClose(GR_STATUS (*open)(gric_image*, const char*), const 
     }
     gric_image image = nullptr;
   } handle;
-  static std::array<gr_uint16, 100 * 80> samples;
+  static std::array<gr_uint16, size_t{100} * 80> samples;
   void* bands[] = {samples.data()};
   GR_RETURN_IF_FAILED(open(&handle.image, path));
   return gric_decode(handle.image, 0, 0, gric_getWidth(handle.image), gric_getHeight(handle.image),
@@ -223,7 +224,7 @@ std::vector<gr_uint8> tesraFile() {
   image.width = 100;
   image.height = 80;
   image.numLevels = 2;
-  std::vector<gr_int32> plane(100 * 80);
+  std::vector<gr_int32> plane(size_t{100} * 80);
   for (size_t i = 0; i < plane.size(); ++i) plane[i] = static_cast<gr_int32>(i * 7 % 256);
   return tg3_writeImage(image, {plane});
 }
