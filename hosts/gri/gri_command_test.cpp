@@ -329,6 +329,14 @@ TEST_F(GRICommandTest, InfoLaysThePictureOut) {
   EXPECT_EQ(text.substr(0, expected.size()), expected);
 }
 
+TEST_F(GRICommandTest, InfoTellsHowFarAPictureCanBeEnlarged) {
+  FakePicture{.minMagnification = 1, .maxMagnification = 16}.writeTo(path("few"));
+  FakePicture{.minMagnification = 1, .maxMagnification = 0x1p127}.writeTo(path("many"));
+  EXPECT_NE(run({"info", path("few")}).out.find("Magnifications  up to 16\n"), std::string::npos);
+  EXPECT_NE(run({"info", path("many")}).out.find("Magnifications  up to 2^127\n"),
+            std::string::npos);
+}
+
 TEST_F(GRICommandTest, InfoShowsNoControlCharacters) {
   FakePicture{.hasOddRecords = true}.writeTo(path("one"));
   const std::string text = run({"info", path("one")}).out;

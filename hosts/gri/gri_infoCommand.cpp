@@ -50,8 +50,12 @@ std::string pairWords(double first, double second) {
   return numberWords(first) + ", " + numberWords(second);
 }
 
-/// "1/8" for an eighth, "2" for the double.
+/// "1/8" for an eighth, "2" for the double, "2^127" for the 127th one.
 std::string magnificationWords(double magnification) {
+  int exponent = 0;
+  if (magnification > 1024 && std::frexp(magnification, &exponent) == 0.5) {
+    return "2^" + std::to_string(exponent - 1);
+  }
   const double inverse = 1 / magnification;
   if (magnification < 1 && inverse == std::floor(inverse)) return "1/" + numberWords(inverse);
   return numberWords(magnification);
