@@ -350,6 +350,13 @@ TEST_F(GRIImageFilterTest, EndsThePreviousStageAfterAFailedStrip) {
       log, ElementsAre("filter begin", "begin", "filter strip", "strip 0+64", "filter end", "end"));
 }
 
+TEST_F(GRIImageFilterTest, SurvivesAnEndWithoutASuccessfulBegin) {
+  reader().failAt("begin", BROKEN);
+  EXPECT_EQ(filter().readBegin(rows(10)), BROKEN);
+  EXPECT_EQ(filter().readEnd(), GR_STATUS_OK);
+  EXPECT_THAT(log, ElementsAre("filter begin", "begin", "filter end", "end"));
+}
+
 TEST_F(GRIImageFilterTest, AnswersWhatThePreviousStageAnswers) {
   const GRIImageStage& stage = filter();
   EXPECT_EQ(filter().getPreviousStage(), &reader());

@@ -124,11 +124,18 @@ TEST(GRISampleTest, TakesTheNearestValueOfADoubleAndSaturates) {
   sample.setValueFromDouble(std::nan(""));
   EXPECT_EQ(sample.getValueSint16(), 0);
   for (const GRIDataType type : ALL_TYPES) {
-    for (const double value : {1e300, -1e300}) {
-      GRISample wide = sampleOf(type);
-      wide.setValueFromDouble(value);
-    }
+    SCOPED_TRACE(type);
+    GRISample wide = sampleOf(type);
+    wide.setValueFromDouble(std::numeric_limits<double>::infinity());
+    EXPECT_TRUE(wide.isMax());
+    wide.setValueFromDouble(-1e300);
+    EXPECT_LE(wide.getValueAsDouble(), 0.0);
+    wide.setValueFromDouble(std::nan(""));
+    EXPECT_EQ(wide.getValueAsDouble(), 0.0);
   }
+  GRISample real = sampleOf(GRI_DATATYPE_FLOAT32);
+  real.setValueFromDouble(-1e300);
+  EXPECT_EQ(real.getValueFloat32(), -FLT_MAX);
 }
 
 TEST(GRISampleTest, KeepsTheLesserAndTheGreaterByTheTypesOwnOrder) {

@@ -1,5 +1,6 @@
 #include "image/gri_sample.h"
 
+#include <algorithm>
 #include <cassert>
 #include <cmath>
 #include <cstring>
@@ -20,10 +21,11 @@ T valueOf(const void* bytes) {
 /// The nearest value of T; rounds half up, as scene coordinates do.
 template <typename T>
 T nearest(double value) {
+  if (std::isnan(value)) return 0;
   if constexpr (std::is_floating_point_v<T>) {
-    return static_cast<T>(value);
+    constexpr double LARGEST = std::numeric_limits<T>::max();
+    return static_cast<T>(std::clamp(value, -LARGEST, LARGEST));
   } else {
-    if (std::isnan(value)) return 0;
     const double rounded = std::floor(value + 0.5);
     // The limits of 64-bit types aren't doubles, but the comparison still keeps the cast in range.
     if (rounded <= static_cast<double>(std::numeric_limits<T>::min())) {

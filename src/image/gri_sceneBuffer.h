@@ -121,7 +121,8 @@ class GRISceneBuffer {
   [[nodiscard]] GR_STATUS exportDataBSQ(void*& data) const;
   /// @return 0; the stream's last error after a short write; 8 for memory
   [[nodiscard]] GR_STATUS exportDataBSQ(GRIOStreamInf& stream) const;
-  /// Pixel-interleaved. Copies nothing, and gives 0, unless samples are 1, 2 or 4 bytes wide.
+  /// Pixel-interleaved. Copies nothing, and gives 0, unless those of the first band are 1, 2 or 4
+  /// bytes wide.
   /// @return 0; 50001 when the bands' samples differ in width; 8 for memory
   [[nodiscard]] GR_STATUS exportDataBIP(void*& data) const;
   /// The same row by row, for any width.

@@ -204,12 +204,13 @@ void GRISceneBuffer::joinRow(gr_uint32 row, const void** rows, void* interleaved
 }
 
 GR_STATUS GRISceneBuffer::exportDataBIP(void*& data) const {
-  if (!bandsHaveOneWidth()) return GRI_STATUS_UNSUPPORTED_DATATYPE;
+  const size_t bytes = m_bytesPerSample[0];
+  const bool isCopied = bytes == 1 || bytes == 2 || bytes == 4;
+  if (isCopied && !bandsHaveOneWidth()) return GRI_STATUS_UNSUPPORTED_DATATYPE;
   GRArray<gr_uint8> block;
   if (data == nullptr) GR_RETURN_IF_FAILED(block.allocate(allWindowBytes()));
   gr_uint8* to = data == nullptr ? block.data() : static_cast<gr_uint8*>(data);
-  const size_t bytes = m_bytesPerSample[0];
-  if (bytes == 1 || bytes == 2 || bytes == 4) {
+  if (isCopied) {
     GRArray<const void*> rows;
     GR_RETURN_IF_FAILED(rows.allocate(m_numBands));
     const size_t rowBytes = size_t{m_windowNumCols} * m_numBands * bytes;
