@@ -204,6 +204,12 @@ TEST_F(GRICommandTest, AFailedDecodeLeavesNothingAndTellsTheStatus) {
   }
 }
 
+TEST_F(GRICommandTest, ALockedPictureFailsAndSaysSo) {
+  const Result result = convertFails({.isLocked = true}, "a.png");
+  EXPECT_EQ(result.exitCode, GRI_EXIT_FAILED);
+  EXPECT_NE(result.err.find("the picture is locked by a password"), std::string::npos);
+}
+
 TEST_F(GRICommandTest, AnExceptionThatCrossesTheInterfaceIsAnError) {
   using enum FakePicture::Throws;
   const std::string expected = "gri: " + path("IN") + ": not enough memory [8]\n";

@@ -182,7 +182,10 @@ int Conversion::write() {
   const GRIHostError error = writeFormat();
   if (error || GRIInterrupt::wasRaised()) {
     // What the reader says comes first: GDAL only repeats it.
-    const GRIHostError& readError = m_picture->lastError();
+    GRIHostError readError = m_picture->lastError();
+    if (readError && m_picture->info().isLocked) {
+      readError.text = "the picture is locked by a password: " + readError.text;
+    }
     if (readError) return failed(m_options.input, readError);
     return failed(m_options.output, error);
   }

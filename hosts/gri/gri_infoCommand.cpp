@@ -162,6 +162,8 @@ std::string valueWords(const GRIHostRecord& record) {
     words += record.words(i);
   }
   if (count > MOST_VALUES) words += " …";
+  // Fields of fixed width are filled up with blanks.
+  words.erase(words.find_last_not_of(' ') + 1);
   return words;
 }
 
