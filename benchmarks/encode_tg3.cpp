@@ -1,10 +1,11 @@
 // Codes a picture as a TG3 file, losslessly or to a size: material for the benchmarks.
 //
-//     encode_tg3 IN.ppm OUT.tsra [BYTES [LEVELS [BLOCK_SIZE]]]
+//     encode_tg3 IN.ppm OUT.tsra [BYTES [LEVELS [BLOCK_SIZE [WORLD_FILE]]]]
 //
 // IN is a binary PPM or PGM of 8 or 16 bits. With BYTES above 0 the lowest bit-planes are left out
 // until the planes take no more than that: whole planes of all subbands first, and of the next
 // plane those of the coarse subbands, then as many of the finer ones as there is room for.
+// WORLD_FILE gives the picture a position, without rotation.
 
 #include <algorithm>
 #include <cstdio>
@@ -85,11 +86,24 @@ void truncateTo(std::vector<TG3TestSubblock>& subblocks, size_t budget) {
   std::erase_if(subblocks, [](const TG3TestSubblock& subblock) { return subblock.planes.empty(); });
 }
 
+// A world file has x resolution, two rotations, y resolution and the origin, a number a line.
+bool addPosition(const char* worldFile, const TG3TestImage& image, TG3Writer& writer) {
+  std::ifstream file(worldFile);
+  double xRes = 0, xRotation = 0, yRotation = 0, yRes = 0, x = 0, y = 0;
+  file >> xRes >> xRotation >> yRotation >> yRes >> x >> y;
+  if (!file || xRotation != 0 || yRotation != 0) return false;
+  TG3TestGeoref georef;
+  georef.geo = {x, y, x + xRes * (image.width - 1), y + yRes * (image.height - 1), xRes, yRes};
+  writer.addMetadata(3, 0, image.image, tg3_georefBlock(georef));
+  return true;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
-  if (argc < 3 || argc > 6) {
-    std::fprintf(stderr, "usage: encode_tg3 IN.ppm OUT.tsra [BYTES [LEVELS [BLOCK_SIZE]]]\n");
+  if (argc < 3 || argc > 7) {
+    std::fprintf(stderr,
+                 "usage: encode_tg3 IN.ppm OUT.tsra [BYTES [LEVELS [BLOCK_SIZE [WORLD_FILE]]]]\n");
     return 2;
   }
   Picture picture;
@@ -121,6 +135,10 @@ int main(int argc, char** argv) {
   if (budget > 0) truncateTo(subblocks, budget);
   TG3Writer writer;
   writer.addHeader(image);
+  if (argc > 6 && !addPosition(argv[6], image, writer)) {
+    std::fprintf(stderr, "encode_tg3: can't read %s\n", argv[6]);
+    return 1;
+  }
   writer.addPlaneset(image, subblocks);
   std::ofstream out(argv[2], std::ios::binary);
   out.write(reinterpret_cast<const char*>(writer.bytes().data()),
