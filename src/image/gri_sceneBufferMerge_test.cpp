@@ -33,6 +33,7 @@ class Row {
  private:
   static std::vector<void*> pointersTo(std::vector<Bytes>& bands) {
     std::vector<void*> planes;
+    planes.reserve(bands.size());
     for (Bytes& band : bands) planes.push_back(band.data());
     return planes;
   }

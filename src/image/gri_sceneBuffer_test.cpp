@@ -36,7 +36,7 @@ GRIPixel mixedPixel() {
 /// The samples of a band of 8-bit samples: of its plane, and of the window.
 Bytes planeOf(const GRISceneBuffer& buffer, gr_uint16 band = 0) {
   const auto* data = static_cast<const gr_uint8*>(buffer.getTotalBandData(band));
-  return Bytes(data, data + buffer.getTotalSize() * buffer.getBytesPerSample(band));
+  return Bytes(data, data + size_t{buffer.getTotalSize()} * buffer.getBytesPerSample(band));
 }
 
 Bytes windowOf(const GRISceneBuffer& buffer, gr_uint16 band = 0) {
@@ -225,7 +225,7 @@ TEST(GRISceneBufferTest, BandsOfSeveralWidthsInterleaveEachByItsOwn) {
 TEST(GRISceneBufferTest, ExportsRepeatWhatWasImported) {
   for (const GRIDataType type : {GRI_DATATYPE_UINT8, GRI_DATATYPE_SINT16, GRI_DATATYPE_FLOAT32}) {
     const GRIPixel pixel(GRI_COLORSPACE_RGB, 3, type);
-    Bytes block(3 * 2 * pixel.getNumBytes());
+    Bytes block(size_t{3 * 2} * pixel.getNumBytes());
     for (size_t i = 0; i < block.size(); ++i) block[i] = static_cast<gr_uint8>(i + 1);
     GRISceneBuffer buffer(pixel, 7, 5, 2, 1, 3, 2, nullptr);
 
@@ -283,7 +283,7 @@ TEST(GRISceneBufferTest, AnInterleavedExportOfBandsOfSeveralWidthsIsRefused) {
 TEST(GRISceneBufferTest, ExportDataServesAnyLayout) {
   GRISceneBuffer buffer(GRIPixel(GRI_COLORSPACE_RGB, 3, GRI_DATATYPE_UINT16), 2, 2, nullptr);
   count(buffer);
-  Bytes sequential(24), interleaved(24), byRow(24), padded(2 * 20, 0xA5);
+  Bytes sequential(24), interleaved(24), byRow(24), padded(40, 0xA5);
 
   ASSERT_EQ(buffer.exportData(sequential.data(), 2, 4, 8), GR_STATUS_OK);
   ASSERT_EQ(buffer.exportData(interleaved.data(), 6, 12, 2), GR_STATUS_OK);
@@ -301,7 +301,7 @@ TEST(GRISceneBufferTest, ExportDataServesAnyLayout) {
 }
 
 TEST(GRISceneBufferTest, StreamImportsReadTheWindowOncePerBand) {
-  Bytes content(2 * 3 * 3);  // two pixels of three bands, three times
+  Bytes content(18);  // two pixels of three bands, three times
   for (size_t i = 0; i < content.size(); ++i) content[i] = static_cast<gr_uint8>(i);
   GRISceneBuffer buffer(RGB8, 2, 1, nullptr);
 
