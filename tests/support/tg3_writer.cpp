@@ -215,7 +215,8 @@ TG3TestSubblock tg3_encodeSubblock(const TG3TestImage& image, gr_uint32 subband,
       const gr_uint32 y = static_cast<gr_uint32>(i / rect.width);
       if (!isCoded(x, y)) coded[i] = 0;
     }
-    const auto planes = tg3_literalEncode(shape, coded, image.lastPlane, image.bypassPlanes);
+    const gr_uint32 lastPlane = image.lastPlaneOf ? image.lastPlaneOf(subband) : image.lastPlane;
+    const auto planes = tg3_literalEncode(shape, coded, lastPlane, image.bypassPlanes);
     for (size_t plane = 0; plane < planes.size(); ++plane) {
       if (!planes[plane].hasData) continue;
       result.planes.push_back(

@@ -75,8 +75,10 @@ struct TG3TestImage {
   };
   std::optional<VirtualSupport> virtualSupport{};
 
-  gr_uint32 lastPlane = 31;                     ///< planes behind it are left out
-  gr_uint32 bypassPlanes = 0;                   ///< bit p: plane p as raw bits
+  gr_uint32 lastPlane = 31;    ///< planes behind it are left out
+  gr_uint32 bypassPlanes = 0;  ///< bit p: plane p as raw bits
+  /// In place of it, the last plane of each subband.
+  std::function<gr_uint32(gr_uint32 subband)> lastPlaneOf{};
   TG3TestCorrection correction{};               ///< empty: correction bands are zero
   gr_uint8 ordering = 1;                        ///< 1 pipeline, 5 subband by subband
   gr_uint8 storage = 0;                         ///< 0 interleaved, 2 data first, 3 raster blocks
