@@ -359,6 +359,19 @@ TEST(OpenFunctionsTest, RefuseAFileThatIsNoTesraImage) {
   std::filesystem::remove(path);
 }
 
+TEST(OpenFunctionsTest, RefuseANitfFileThatIsNotThere) {
+  gric_image image = nullptr;
+  EXPECT_EQ(gric_openNITFImageFile(&image, "/no such.ntf"), 51203u);
+  EXPECT_EQ(gric_openNITFImageFile(&image, "/"), 51203u);
+  EXPECT_EQ(image, nullptr);
+}
+
+TEST(OpenFunctionsTest, HaveNoReaderOfJpeg2000Yet) {
+  gric_image image = nullptr;
+  EXPECT_EQ(gric_openJP2ImageFile(&image, "/no such.jp2"), 50002u);
+  EXPECT_EQ(image, nullptr);
+}
+
 TEST(OpenFunctionsTest, TellThePathOfATesraFileThatCannotBeOpened) {
   ASSERT_EQ(initializeStatusStrings(), 0u);
   gric_image image = nullptr;

@@ -203,20 +203,21 @@ class TemporaryFile {
   std::string m_path;
 };
 
-/// Opens, decodes and closes a picture of one band and at most 100 x 80 samples of 16 bits.
-/// Whatever fails, the handle that there is can be closed.
+/// Opens a picture, decodes its upper left and closes it. Whatever fails, the handle that there is
+/// can be closed. At most 4 bands of at most 16 bits.
 GR_STATUS openDecodeAndClose(GR_STATUS (*open)(gric_image*, const char*), const char* path) {
+  constexpr gr_uint32 SIDE = 80;  // pixels
   struct Handle {
     ~Handle() {
       if (image != nullptr) gric_closeImage(image);
     }
     gric_image image = nullptr;
   } handle;
-  static std::array<gr_uint16, size_t{100} * 80> samples;
-  void* bands[] = {samples.data()};
+  static std::array<std::array<gr_uint16, size_t{SIDE} * SIDE>, 4> planes;
+  std::array<void*, 4> bands{};
+  std::transform(planes.begin(), planes.end(), bands.begin(), [](auto& p) { return p.data(); });
   GR_RETURN_IF_FAILED(open(&handle.image, path));
-  return gric_decode(handle.image, 0, 0, gric_getWidth(handle.image), gric_getHeight(handle.image),
-                     1.0, bands);
+  return gric_decode(handle.image, 0, 0, SIDE, SIDE, 1.0, bands.data());
 }
 
 std::vector<gr_uint8> tesraFile() {
@@ -233,6 +234,13 @@ TEST(AllocationFailureTest, ATesraImageOpensDecodesAndClosesOrSaysSo) {
   const TemporaryFile file(tesraFile());
   expectToSurvive([&] { return openDecodeAndClose(gric_openTesraImageFile, file.path()); },
                   {GR_STATUS_NO_MEMORY, TG3_STATUS_NO_MEMORY, TESRA_STATUS_CANNOT_OPEN});
+}
+
+TEST(AllocationFailureTest, ANitfImageWithAWorldFileOpensDecodesAndClosesOrSaysSo) {
+  expectToSurvive(
+      [] { return openDecodeAndClose(gric_openNITFImageFile, GRI_SAMPLE); },
+      {GR_STATUS_NO_MEMORY, NITF_STATUS_NO_MEMORY, NITF_STATUS_OPEN_ERROR,
+       NITF_STATUS_DUPLICATE_STREAM, GRI_STATUS_READ_ERROR /* no stream on the world file */});
 }
 
 }  // namespace
