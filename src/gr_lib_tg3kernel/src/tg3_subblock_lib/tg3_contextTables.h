@@ -1,8 +1,8 @@
 /// @file
 /// The contexts of the bit-plane coder, by the flags of a sample.
 ///
-/// Each sample has a word of flags: which of its eight neighbours are significant, what it is
-/// itself, and which of the four nearest neighbours are positive.
+/// Each sample has a word of flags: which of its eight neighbours are significant, and what it is
+/// itself.
 #pragma once
 
 #include <array>
@@ -20,15 +20,18 @@ constexpr gr_uint16 TG3_FLAG_UPPER = 0x0040;
 constexpr gr_uint16 TG3_FLAG_LOWER = 0x0080;
 constexpr gr_uint16 TG3_FLAG_SIGNIFICANT = 0x0100;
 constexpr gr_uint16 TG3_FLAG_REFINED = 0x0200;  ///< has had its first refinement
-constexpr gr_uint16 TG3_FLAG_RIGHT_POSITIVE = 0x0400;
-constexpr gr_uint16 TG3_FLAG_LEFT_POSITIVE = 0x0800;
-constexpr gr_uint16 TG3_FLAG_UPPER_POSITIVE = 0x1000;
-constexpr gr_uint16 TG3_FLAG_LOWER_POSITIVE = 0x2000;
+
+// Which of the nearest neighbours are positive stands in a byte of its own: a sign is known later
+// than that there is one, and the context of the next magnitude doesn't wait for it.
+constexpr gr_uint8 TG3_POSITIVE_RIGHT = 0x10;
+constexpr gr_uint8 TG3_POSITIVE_LEFT = 0x20;
+constexpr gr_uint8 TG3_POSITIVE_UPPER = 0x40;
+constexpr gr_uint8 TG3_POSITIVE_LOWER = 0x80;
 
 /// The contexts of a subband, and the tables that lead to them by a sample's flags.
 struct TG3ContextModel {
   GRMQModel coder;
-  /// The context of a magnitude bit by the flags below 0x0400: zero coding while the sample isn't
+  /// The context of a magnitude bit by the flags of a sample: zero coding while the sample isn't
   /// significant, else refinement.
   std::array<gr_uint8, 0x400> magnitude;
   /// The context of a sign in bits 0-6, what the decision is XORed with in bit 7; by
@@ -40,7 +43,7 @@ struct TG3ContextModel {
   void reset(gr_uint32 subband);
 };
 
-/// Of the flags of a sample.
-constexpr gr_uint32 tg3_signIndex(gr_uint32 flags) {
-  return ((flags >> 4) & 0x0F) | ((flags >> 6) & 0xF0);
+/// Of a sample's flags and of which of its neighbours are positive.
+constexpr gr_uint32 tg3_signIndex(gr_uint32 flags, gr_uint32 positive) {
+  return ((flags >> 4) & 0x0F) | positive;
 }

@@ -20,6 +20,8 @@ struct TG3PlaneScan {
 
   /// Flags of sample (0, 0), with one sample of margin at every side.
   gr_uint16* flags = nullptr;
+  /// Positive neighbours of sample (0, 0), laid out like the flags.
+  gr_uint8* positive = nullptr;
   /// Significant samples: the word of columns 0 to 63 of row 0, with one word of margin at both
   /// ends of a row and one row above and below.
   gr_uint64* significant = nullptr;

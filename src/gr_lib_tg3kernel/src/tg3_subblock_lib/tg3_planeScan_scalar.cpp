@@ -21,15 +21,17 @@ class RawBits {
   gr_uint32 m_left = 0;
 };
 
-void markNearest(gr_uint16* flags, size_t stride, gr_uint32 negative) {
-  const auto mark = [negative](gr_uint16& of, gr_uint32 significant, gr_uint32 positive) {
-    of = static_cast<gr_uint16>(of | significant | (negative != 0 ? 0 : positive));
-  };
-  mark(flags[0], TG3_FLAG_SIGNIFICANT, 0);
-  mark(flags[-1], TG3_FLAG_RIGHT, TG3_FLAG_RIGHT_POSITIVE);
-  mark(flags[1], TG3_FLAG_LEFT, TG3_FLAG_LEFT_POSITIVE);
-  mark(*(flags - stride), TG3_FLAG_LOWER, TG3_FLAG_LOWER_POSITIVE);
-  mark(flags[stride], TG3_FLAG_UPPER, TG3_FLAG_UPPER_POSITIVE);
+void markNearest(gr_uint16* flags, gr_uint8* positive, size_t stride, gr_uint32 negative) {
+  flags[0] |= TG3_FLAG_SIGNIFICANT;
+  flags[-1] |= TG3_FLAG_RIGHT;
+  flags[1] |= TG3_FLAG_LEFT;
+  *(flags - stride) |= TG3_FLAG_LOWER;
+  flags[stride] |= TG3_FLAG_UPPER;
+  if (negative != 0) return;
+  positive[-1] |= TG3_POSITIVE_RIGHT;
+  positive[1] |= TG3_POSITIVE_LEFT;
+  *(positive - stride) |= TG3_POSITIVE_LOWER;
+  positive[stride] |= TG3_POSITIVE_UPPER;
 }
 
 }  // namespace
@@ -40,6 +42,7 @@ void tg3_scanBypassPlane(const TG3PlaneScan& scan, std::span<const gr_uint8> byt
   const size_t words = scan.wordsPerRow();
   for (size_t y = 0; y < scan.height; ++y) {
     gr_uint16* flags = scan.flags + y * scan.flagStride();
+    gr_uint8* positive = scan.positive + y * scan.flagStride();
     gr_uint64* significant = scan.significant + y * scan.significantStride();
     gr_uint64* negative = scan.negative + y * words;
     for (size_t x = 0; x < scan.width; ++x) {
@@ -51,11 +54,11 @@ void tg3_scanBypassPlane(const TG3PlaneScan& scan, std::span<const gr_uint8> byt
       if ((flags[x] & TG3_FLAG_SIGNIFICANT) != 0) {
         flags[x] |= TG3_FLAG_REFINED;
       } else if (bit != 0) {
-        const gr_uint32 rule = scan.model->sign[tg3_signIndex(flags[x])];
+        const gr_uint32 rule = scan.model->sign[tg3_signIndex(flags[x], positive[x])];
         const gr_uint32 sign = (raw.next() ^ (rule >> 7)) | (isSignPlane ? 1 : 0);
         significant[x / 64] |= column;
         if (sign != 0) negative[x / 64] |= column;
-        markNearest(flags + x, scan.flagStride(), sign);
+        markNearest(flags + x, positive + x, scan.flagStride(), sign);
       }
     }
   }

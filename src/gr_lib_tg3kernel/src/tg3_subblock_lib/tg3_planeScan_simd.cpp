@@ -19,29 +19,33 @@ HWY_INLINE gr_uint64 Spread(const gr_uint64* row) {
   return row[0] | (row[0] << 1) | (row[-1] >> 63) | (row[0] >> 1) | (row[1] << 63);
 }
 
-HWY_INLINE void Mark(gr_uint16& flags, gr_uint32 marks) {
-  flags = static_cast<gr_uint16>(flags | marks);
+/// Sets bits of the flags of a sample, or of its positive neighbours.
+template <typename T>
+HWY_INLINE void Mark(T& of, gr_uint32 bits) {
+  of = static_cast<T>(of | bits);
 }
 
-/// Decodes the sign of a sample that has become significant, and tells its neighbours.
-/// @return 1 when it's negative
-HWY_INLINE gr_uint32 BecomeSignificant(GRMQDecoder& decoder, TG3ContextModel& model,
-                                       gr_uint16* flags, size_t stride, gr_uint32 isSignPlane) {
-  const gr_uint32 rule = model.sign[tg3_signIndex(*flags)];
-  const gr_uint32 negative = (decoder.decode(model.coder, rule & 0x7F) ^ (rule >> 7)) | isSignPlane;
-  const gr_uint32 positive = negative ^ 1;
-  gr_uint16* above = flags - stride;
-  gr_uint16* below = flags + stride;
-  Mark(above[-1], TG3_FLAG_LOWER_RIGHT);
-  Mark(above[0], TG3_FLAG_LOWER | (positive * TG3_FLAG_LOWER_POSITIVE));
-  Mark(above[1], TG3_FLAG_LOWER_LEFT);
-  Mark(flags[-1], TG3_FLAG_RIGHT | (positive * TG3_FLAG_RIGHT_POSITIVE));
+/// Tells the neighbours of a sample that it's significant.
+HWY_INLINE void MarkSignificant(gr_uint16* flags, size_t stride) {
+  gr_uint16* const above = flags - stride;
+  gr_uint16* const below = flags + stride;
+  Mark(flags[1], TG3_FLAG_LEFT);
   Mark(flags[0], TG3_FLAG_SIGNIFICANT);
-  Mark(flags[1], TG3_FLAG_LEFT | (positive * TG3_FLAG_LEFT_POSITIVE));
+  Mark(flags[-1], TG3_FLAG_RIGHT);
+  Mark(above[-1], TG3_FLAG_LOWER_RIGHT);
+  Mark(above[0], TG3_FLAG_LOWER);
+  Mark(above[1], TG3_FLAG_LOWER_LEFT);
   Mark(below[-1], TG3_FLAG_UPPER_RIGHT);
-  Mark(below[0], TG3_FLAG_UPPER | (positive * TG3_FLAG_UPPER_POSITIVE));
+  Mark(below[0], TG3_FLAG_UPPER);
   Mark(below[1], TG3_FLAG_UPPER_LEFT);
-  return negative;
+}
+
+/// Tells the nearest neighbours of a sample its sign: `isPositive` is 0 or 1.
+HWY_INLINE void MarkSign(gr_uint8* positive, size_t stride, gr_uint32 isPositive) {
+  Mark(positive[1], isPositive * TG3_POSITIVE_LEFT);
+  Mark(positive[-1], isPositive * TG3_POSITIVE_RIGHT);
+  Mark(*(positive - stride), isPositive * TG3_POSITIVE_LOWER);
+  Mark(positive[stride], isPositive * TG3_POSITIVE_UPPER);
 }
 
 void ScanPlane(const TG3PlaneScan& scan, std::span<const gr_uint8> bytes, bool isSignPlane,
@@ -58,6 +62,7 @@ void ScanPlane(const TG3PlaneScan& scan, std::span<const gr_uint8> bytes, bool i
     for (size_t word = 0; word < words; ++word) {
       gr_uint64* const row = scan.significant + y * significantStride + word;
       gr_uint16* const flags = scan.flags + y * stride + word * 64;
+      gr_uint8* const positive = scan.positive + y * stride + word * 64;
       const size_t left = scan.width - word * 64;
       const gr_uint32 columns = left < 64 ? static_cast<gr_uint32>(left) : 64;
       const gr_uint64 valid = ~gr_uint64{0} >> (64 - columns);
@@ -69,43 +74,53 @@ void ScanPlane(const TG3PlaneScan& scan, std::span<const gr_uint8> bytes, bool i
       gr_uint64 negative = 0;
       gr_uint32 x = 0;
 
+      // What follows the first bit of a sample. Its sign's rule is looked up in advance.
+      const auto becomeSignificant = [&](gr_uint32 rule) HWY_ATTR __attribute__((always_inline)) {
+        MarkSignificant(flags + x, stride);
+        const gr_uint64 column = gr_uint64{1} << x;
+        ones |= column;
+        significant |= column;
+        active |= (column << 1) & valid;
+        const gr_uint32 isNegative =
+            (decoder.decode(model.coder, rule & 0x7F) ^ (rule >> 7)) | signPlane;
+        negative |= gr_uint64{isNegative} << x;
+        MarkSign(positive + x, stride, isNegative ^ 1);
+      };
+
       while (x < columns) {
-        gr_uint64 found = 0;
         const gr_uint64 ahead = active >> x;
         gr_uint32 end = ahead != 0 ? x + static_cast<gr_uint32>(std::countr_zero(ahead)) : columns;
+        bool found = false;
         while (x < end) {
           const GRMQState context = model.coder.contexts[GRMQ_ZERO_CONTEXT];
           if ((context & 1) == 0) {
             x += decoder.skipExpected(context, end - x);
             if (x == end) break;
           }
-          found = decoder.decode(model.coder, GRMQ_ZERO_CONTEXT);
-          if (found != 0) break;
+          found = decoder.decode(model.coder, GRMQ_ZERO_CONTEXT) != 0;
+          if (found) break;
           ++x;
         }
-        if (found == 0) {
-          if (x == columns) break;
-          const gr_uint64 idle = ~active >> x;
-          end = idle != 0 ? x + static_cast<gr_uint32>(std::countr_zero(idle)) : 64;
-          for (; x < end; ++x) {
-            const gr_uint32 state = flags[x];
-            const gr_uint64 bit = decoder.decode(model.coder, model.magnitude[state & 0x3FF]);
-            found = bit & ~(state / TG3_FLAG_SIGNIFICANT);
-            if (found != 0) break;
-            ones |= bit << x;
-            // A significant sample has been refined, at the latest now.
-            flags[x] = static_cast<gr_uint16>(state | ((state & TG3_FLAG_SIGNIFICANT) << 1));
-          }
-          if (found == 0) continue;
+        if (found) {
+          becomeSignificant(model.sign[tg3_signIndex(flags[x], positive[x])]);
+          ++x;
         }
-        const gr_uint64 isNegative =
-            BecomeSignificant(decoder, model, flags + x, stride, signPlane);
-        const gr_uint64 column = gr_uint64{1} << x;
-        ones |= column;
-        significant |= column;
-        negative |= isNegative << x;
-        active |= (column << 1) & valid;
-        ++x;
+        if (x == columns) break;
+
+        const gr_uint64 idle = ~active >> x;
+        end = idle != 0 ? x + static_cast<gr_uint32>(std::countr_zero(idle)) : 64;
+        for (; x < end; ++x) {
+          const gr_uint32 state = flags[x];
+          const gr_uint32 rule = model.sign[tg3_signIndex(state, positive[x])];
+          const gr_uint64 bit = decoder.decode(model.coder, model.magnitude[state]);
+          if ((bit & ~(state / TG3_FLAG_SIGNIFICANT)) != 0) {
+            becomeSignificant(rule);
+            continue;
+          }
+          ones |= bit << x;
+          // A significant sample has been refined, at the latest now.
+          flags[x] = static_cast<gr_uint16>(state | ((state & TG3_FLAG_SIGNIFICANT) << 1));
+        }
       }
       bits[y * words + word] = ones;
       row[0] = significant;

@@ -53,12 +53,14 @@ GR_STATUS SubblockDecode::prepare(const TG3SubblockShape& shape, gr_uint32 numPl
   const gr_uint64 rows = m_scan.height;
   const gr_uint64 words = m_scan.wordsPerRow();
   GR_RETURN_IF_FAILED(clearFor(m_flags, (rows + 2) * m_scan.flagStride()));
+  GR_RETURN_IF_FAILED(clearFor(m_positive, (rows + 2) * m_scan.flagStride()));
   GR_RETURN_IF_FAILED(clearFor(m_significant, (rows + 2) * m_scan.significantStride()));
   GR_RETURN_IF_FAILED(clearFor(m_negative, rows * words));
   if (m_bits.size() < rows * words * numPlanes) {
     GR_RETURN_IF_FAILED(m_bits.allocateUninitialized(rows * words * numPlanes));
   }
   m_scan.flags = m_flags.data() + m_scan.flagStride() + 1;
+  m_scan.positive = m_positive.data() + m_scan.flagStride() + 1;
   m_scan.significant = m_significant.data() + m_scan.significantStride() + 1;
   m_scan.negative = m_negative.data();
   return GR_STATUS_OK;

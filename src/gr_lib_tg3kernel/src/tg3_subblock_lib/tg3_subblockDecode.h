@@ -38,7 +38,7 @@ struct TG3SubblockShape {
 /// and the contexts of JPEG 2000 (ISO/IEC 15444-1, Annexes C and D), but with one pass per plane
 /// over the rows of the subblock. Corrupt bytes decode to wrong samples and never fail.
 ///
-/// The working memory, about 2 bits a sample and plane and 2 bytes a sample, is kept from one
+/// The working memory, about 1 bit a sample and plane and 27 bits a sample, is kept from one
 /// subblock to the next.
 class SubblockDecode {
  public:
@@ -72,6 +72,7 @@ class SubblockDecode {
   TG3PlaneScan m_scan;
   TG3ContextModel m_model{};
   GRArray<gr_uint16> m_flags;
+  GRArray<gr_uint8> m_positive;
   GRArray<gr_uint64> m_significant;
   GRArray<gr_uint64> m_negative;
   GRArray<gr_uint64> m_bits;  ///< plane after plane
