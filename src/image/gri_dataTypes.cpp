@@ -45,7 +45,7 @@ gr_uint32 GRIUtils::getNumBytes(GRIDataType dataType) {
     case GRI_DATATYPE_INVALID:
       break;
   }
-  assert(!"bad datatype");
+  assert(false && "bad datatype");
   return 0;
 }
 
@@ -68,7 +68,7 @@ bool GRIUtils::isSigned(GRIDataType dataType) {
     case GRI_DATATYPE_INVALID:
       break;
   }
-  assert(!"bad datatype");
+  assert(false && "bad datatype");
   return false;
 }
 
@@ -91,7 +91,7 @@ bool GRIUtils::isFloat(GRIDataType dataType) {
     case GRI_DATATYPE_INVALID:
       break;
   }
-  assert(!"bad datatype");
+  assert(false && "bad datatype");
   return false;
 }
 

@@ -92,7 +92,7 @@ void GRIImage::getGeoPosition(GRIPosition position, double& x, double& y) const 
       down = 0.5;
       break;
     default:
-      assert(!"bad position");
+      assert(false && "bad position");
       x = 0.0;
       y = 0.0;
       return;

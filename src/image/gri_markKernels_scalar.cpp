@@ -106,7 +106,7 @@ void gri_markDifferentScalar(const void* const* rows, const void* const* noData,
     case GRI_DATATYPE_FLOAT64:
       return markDifferent<double>(rows, noData, numBands, begin, numPixels, marks);
     default:
-      assert(!"bad datatype");
+      assert(false && "bad datatype");
   }
 }
 
@@ -122,7 +122,7 @@ void gri_markGreaterScalar(const void* a, const void* b, GRIDataType type, size_
     case GRI_DATATYPE_FLOAT32:
       return markGreater<float>(a, b, begin, numPixels, marks);
     default:
-      assert(!"bad datatype");
+      assert(false && "bad datatype");
   }
 }
 
@@ -139,6 +139,6 @@ void gri_markFuzzyScalar(const void* const* a, const void* const* b, const void*
     case GRI_DATATYPE_FLOAT32:
       return markFuzzy<float>(a, b, noData, numBands, threshold, begin, numPixels, marks);
     default:
-      assert(!"bad datatype");
+      assert(false && "bad datatype");
   }
 }

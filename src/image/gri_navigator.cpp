@@ -39,7 +39,7 @@ GR_STATUS GRINavigator::setScene(const GRIScene& scene, GRINavigatorStyle style)
     case GRI_NAVIGATOR_CLIP:
       return clipToImage() ? GR_STATUS_OK : GR_STATUS_FAILURE;
   }
-  assert(!"bad style");
+  assert(false && "bad style");
   return GR_STATUS_FAILURE;
 }
 

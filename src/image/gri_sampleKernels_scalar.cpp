@@ -59,7 +59,7 @@ void gri_splitBandsScalar(const void* interleaved, size_t numPixels, size_t numB
     case 8:
       return split<8>(from, numPixels, numBands, planes);
     default:
-      assert(!"a sample is 1, 2, 4 or 8 bytes wide");
+      assert(false && "a sample is 1, 2, 4 or 8 bytes wide");
   }
 }
 
@@ -76,7 +76,7 @@ void gri_joinBandsScalar(const void* const* planes, size_t numPixels, size_t num
     case 8:
       return join<8>(planes, numPixels, numBands, to);
     default:
-      assert(!"a sample is 1, 2, 4 or 8 bytes wide");
+      assert(false && "a sample is 1, 2, 4 or 8 bytes wide");
   }
 }
 
@@ -94,6 +94,6 @@ void gri_copySwappedScalar(const void* from, size_t numSamples, size_t sampleByt
     case 8:
       return copyReversed<gr_uint64>(source, numSamples, target);
     default:
-      assert(!"a sample is 1, 2, 4 or 8 bytes wide");
+      assert(false && "a sample is 1, 2, 4 or 8 bytes wide");
   }
 }

@@ -35,7 +35,7 @@ gr_uint32 GRIMetadataRecord::getElementSize(GRIMetadataDataType type) {
     default:
       break;
   }
-  assert(!"bad datatype");
+  assert(false && "bad datatype");
   return 1;
 }
 
