@@ -24,7 +24,7 @@ constexpr gr_uint32 DEFAULT_LEVELS = 6;
 constexpr gr_uint32 DEFAULT_BLOCK_SIZE = 64;
 constexpr gr_uint8 COLOR_SPACE_GRAY = 1;
 constexpr gr_uint8 COLOR_SPACE_RGB = 10;
-constexpr gr_uint8 COLOR_TRANSFORM_RGB = 4;
+constexpr gr_uint8 COLOR_TRANSFORM_RGB = 10;  // which gives the smallest files of real imagery
 
 struct Picture {
   gr_uint32 width = 0;
