@@ -13,7 +13,7 @@ constexpr gr_uint8 HAS_NO_DATA = 0x04;
 constexpr gr_uint8 HAS_BACKGROUND = 0x08;
 constexpr gr_uint8 RESERVED = 0xF0;
 
-GR_STATUS readGeo(GRFieldReader& fields, TG3GeorefData::Geo& geo) {
+GR_STATUS readGeo(GRFieldReader& fields, TG3GeorefPosition& geo) {
   double* const numbers[] = {&geo.xUL, &geo.yUL, &geo.xLR, &geo.yLR, &geo.xRes, &geo.yRes};
   bool areFinite = true;
   for (double* const number : numbers) {

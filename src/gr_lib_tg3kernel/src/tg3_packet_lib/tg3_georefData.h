@@ -15,18 +15,19 @@ struct TG3PixelRecord {
   GRArray<gr_int32> values;
 };
 
+/// Where an image lies.
+struct TG3GeorefPosition {
+  double xUL = 0.0;  ///< upper left corner
+  double yUL = 0.0;
+  double xLR = 0.0;  ///< lower right corner
+  double yLR = 0.0;
+  double xRes = 0.0;  ///< above 0 in a well-made file
+  double yRes = 0.0;  ///< below 0 in a well-made file; users take its absolute value
+};
+
 /// The georeference of an image. A value that moves.
 struct TG3GeorefData {
-  struct Geo {
-    double xUL = 0.0;  ///< upper left corner
-    double yUL = 0.0;
-    double xLR = 0.0;  ///< lower right corner
-    double yLR = 0.0;
-    double xRes = 0.0;  ///< above 0 in a well-made file
-    double yRes = 0.0;  ///< below 0 in a well-made file; users take its absolute value
-  };
-
-  std::optional<Geo> geo;
+  std::optional<TG3GeorefPosition> geo;
   std::optional<gr_uint32> zNumber;
   std::optional<TG3PixelRecord> noData;
   std::optional<TG3PixelRecord> background;
