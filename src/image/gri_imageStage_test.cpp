@@ -385,7 +385,7 @@ TEST_F(GRIImageFilterTest, AnswersWhatThePreviousStageAnswers) {
 
 TEST_F(GRIImageFilterTest, SetsPropertiesOfThePreviousStage) {
   GRIImageStage& stage = filter();
-  const GRIPixel pixel(gray());
+  const GRIPixel& pixel = gray();
   const GRIPixelLookupTable table(gray(), 2, nullptr);
   EXPECT_EQ(stage.setStripHeight(7), GR_STATUS_OK);
   EXPECT_EQ(stage.setBackgroundPixel(&pixel), GR_STATUS_OK);

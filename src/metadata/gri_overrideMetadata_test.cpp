@@ -1,8 +1,10 @@
 #include <gtest/gtest.h>
 
+#include "gr_lib_utils/include/gr_ioStreamUtils.h"
 #include "gr_lib_utils/include/gr_smartPointer.h"
 #include "gr_lib_utils/include/gr_status.h"
 #include "image/gri_overrides.h"
+#include "image/gri_rawImageReader.h"
 #include "metadata/gri_metadataDatabase.h"
 #include "tests/support/gri_patternReader.h"
 
@@ -43,6 +45,21 @@ TEST(GRIOverrideMetadataTest, MayBeSetToItself) {
   ASSERT_EQ(reader->setMetadata(&records), GR_STATUS_OK);
   ASSERT_EQ(reader->setMetadata(&reader->getMetadata()), GR_STATUS_OK);
   EXPECT_EQ(reader->getMetadata().getIndexCount(), 1u);
+}
+
+TEST(GRIOverrideMetadataTest, ARawReaderRecordsItsInputAndOnRequestTheCompressionRatio) {
+  const auto stream = GRIOStreamUtils::openMemStream();
+  const gr_uint8 pixels[6] = {};
+  ASSERT_EQ(stream->write(pixels, sizeof(pixels)), sizeof(pixels));
+  ASSERT_EQ(stream->close(), GR_STATUS_OK);
+  const GRIPixel gray(GRI_COLORSPACE_GRAYSCALE, 1, GRI_DATATYPE_UINT8);
+  for (const bool withRatio : {false, true}) {
+    const GRUtilSmartPointer<GRIRawImageReader> image(new GRIRawImageReader);
+    image->setRecordsCompressionRatio(withRatio);
+    ASSERT_EQ(image->initialize(stream.get(), gray, 2, 3), GR_STATUS_OK);
+    EXPECT_TRUE(image->getMetadata().has("IMAGE::INPUT_NAME"));
+    EXPECT_EQ(image->getMetadata().has("IMAGE::TARGET_COMPRESSION_RATIO"), withRatio);
+  }
 }
 
 }  // namespace

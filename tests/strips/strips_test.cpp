@@ -174,7 +174,8 @@ TEST(StripsTest, OfANitfFileAgree) {
 class TesraStripsTest : public testing::Test {
  protected:
   void open(const TG3TestImage& image) {
-    m_samples.assign(image.numComponents, std::vector<gr_int32>(image.width * image.height));
+    m_samples.assign(image.numComponents,
+                     std::vector<gr_int32>(size_t{image.width} * image.height));
     std::mt19937 random(2);
     for (auto& plane : m_samples) {
       for (gr_uint32 i = 0; i < plane.size(); ++i) {

@@ -46,7 +46,7 @@ class GRIPatternReader final : public GRIGeoImageReader {
   /// The sample at a place, as a number of any type: different for neighbours in every direction.
   template <typename T>
   static T valueAt(gr_int64 column, gr_int64 row, gr_uint16 band) {
-    return static_cast<T>((column * 7 + row * 31 + band * 101) % 113);
+    return static_cast<T>((column * 7 + row * 31 + gr_int64{band} * 101) % 113);
   }
 
   gr_int64 getSourceFileSize() const override { return static_cast<gr_int64>(getNumBytes()); }
