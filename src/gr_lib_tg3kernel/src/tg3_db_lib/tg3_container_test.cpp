@@ -254,6 +254,12 @@ TEST(TG3ContainerTest, FindsItsWayAmongManyPacketsInNoTime) {
   EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
 }
 
+TEST(TG3ContainerTest, RefusesAListThatDwarfsItsStream) {
+  Bytes bytes = TG3Writer().bytes();
+  bytes.resize(bytes.size() + 3 * 800000);  // packets of type 0 without a body
+  EXPECT_EQ(openStatus(bytes), TG3_STATUS_NO_MEMORY);
+}
+
 TEST(TG3ContainerTest, AnswersEveryTruncationAndEveryWrongByteWithAStatus) {
   TG3Writer writer;
   TG3TestImage image = imageNumber(1);

@@ -11,6 +11,10 @@
 namespace {
 
 constexpr gr_uint8 MAGIC[4] = {'t', 's', 'r', 'a'};
+// What the list of packets may take, beyond as many bytes as the stream has. The shortest packet
+// has 3 bytes, and real ones have a body: only a file that is made for it comes near.
+constexpr gr_uint64 FREE_LIST_BYTES = 0x4000000;
+constexpr gr_uint64 BYTES_PER_PACKET = sizeof(DBObjectProxy) + 4 * sizeof(void*);
 constexpr TG3Version OWN_VERSION = {3, 0, 26, 't'};
 
 // The order of the index.
@@ -47,8 +51,12 @@ GR_STATUS TG3PacketDB::read(GRIOStreamInf& stream) {
 
   m_end = static_cast<gr_uint64>(end);
   gr_uint64 position = static_cast<gr_uint64>(start);
-  // Every packet takes some bytes, so this ends, and the list is bounded by the stream.
-  while (position < m_end) GR_RETURN_IF_FAILED(readPacket(stream, position));
+  while (position < m_end) {
+    if (m_proxies.size() > (FREE_LIST_BYTES + m_end) / BYTES_PER_PACKET) {
+      return TG3_STATUS_NO_MEMORY;
+    }
+    GR_RETURN_IF_FAILED(readPacket(stream, position));
+  }
   return makeIndex();
 }
 

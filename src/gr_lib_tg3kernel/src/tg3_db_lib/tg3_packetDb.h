@@ -33,7 +33,8 @@ class TG3PacketDB {
   /// @param stream  open, at the preamble; the caller's
   /// @return 0; 2001 for a stream that ends inside of the preamble or of a header; 2006 for
   ///         another magic, a version that isn't readable, or a header with reserved bits; 2012 for
-  ///         memory; else the stream's status
+  ///         memory, or for more packets than a stream of its length can mean; else the stream's
+  ///         status
   [[nodiscard]] GR_STATUS read(GRIOStreamInf& stream);
 
   const TG3Version& getVersion() const { return m_version; }

@@ -283,7 +283,8 @@ GR_STATUS TG3RasterBlockPlaneReader::populate(TG3FilePlaneStore& store) {
   return GR_STATUS_OK;
 }
 
-GR_STATUS TG3RasterBlockPlaneReader::walk(TG3PlaneLocation& location, gr_uint32 target,
+GR_STATUS TG3RasterBlockPlaneReader::walk(TG3PlaneLocation& /*location*/, gr_uint32 /*target*/,
                                           bool& found) {
-  return TG3FilePlaneReader::walk(location, target, found);
+  found = false;
+  return TG3_STATUS_UNSET;
 }
