@@ -27,13 +27,13 @@ using Dataset = std::unique_ptr<GDALDataset>;
 
 class GRISampleTest : public testing::Test {
  protected:
-  GRISampleTest() {
+  void SetUp() override {
     GDALAllRegister();
     std::string pattern = (fs::temp_directory_path() / "gri_sample_XXXXXX").string();
-    EXPECT_NE(mkdtemp(pattern.data()), nullptr);
+    ASSERT_NE(mkdtemp(pattern.data()), nullptr);
     m_directory = pattern;
   }
-  ~GRISampleTest() override {
+  void TearDown() override {
     std::error_code ignored;
     fs::remove_all(m_directory, ignored);
   }
