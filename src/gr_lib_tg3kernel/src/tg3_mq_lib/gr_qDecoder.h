@@ -43,7 +43,7 @@ struct GRMQModel {
   /// Table D.7).
   void reset();
 
-  std::array<GRMQState, GRMQ_NUM_CONTEXTS> contexts;
+  std::array<GRMQState, GRMQ_NUM_CONTEXTS> contexts{};
   /// The states that a renormalisation leads to: first after the expected decision, then after
   /// the other one, for each row of the table and each more probable symbol.
   std::array<GRMQState, size_t{4} * 47> successors;

@@ -33,10 +33,10 @@ struct TG3ContextModel {
   GRMQModel coder;
   /// The context of a magnitude bit by the flags of a sample: zero coding while the sample isn't
   /// significant, else refinement.
-  std::array<gr_uint8, 0x400> magnitude;
+  std::array<gr_uint8, 0x400> magnitude{};
   /// The context of a sign in bits 0-6, what the decision is XORed with in bit 7; by
   /// tg3_signIndex.
-  std::array<gr_uint8, 0x100> sign;
+  std::array<gr_uint8, 0x100> sign{};
 
   /// Starts a component of a subblock: one kind of table for a subband that is high in x, one for
   /// high in both, and one for the rest.
