@@ -57,7 +57,7 @@ TG3TestBands tg3_forwardWavelet(const TG3TestGeometry& geometry, gr_uint32 width
   TG3TestBands bands(geometry.bands().size());
   gr_uint32 w = width;
   gr_uint32 h = height;
-  for (gr_uint32 level = geometry.numLevels(); level > 0; --level) {
+  for (size_t level = geometry.numLevels(); level > 0; --level) {
     splitPlane(samples, w, h);
     bands[4 * level] = take(samples, w, h, 1, 1);
     bands[4 * level - 1] = take(samples, w, h, 0, 1);
@@ -69,8 +69,8 @@ TG3TestBands tg3_forwardWavelet(const TG3TestGeometry& geometry, gr_uint32 width
     corrections.assign(samples.size(), 0);
     if (!correction) continue;
     for (size_t i = 0; i < samples.size(); ++i) {
-      corrections[i] =
-          correction(level, static_cast<gr_uint32>(i % w), static_cast<gr_uint32>(i / w));
+      corrections[i] = correction(static_cast<gr_uint32>(level), static_cast<gr_uint32>(i % w),
+                                  static_cast<gr_uint32>(i / w));
       samples[i] -= corrections[i];
     }
   }

@@ -170,6 +170,7 @@ std::vector<TG3TestBands> tg3_transform(const TG3TestImage& image,
                                         const std::vector<std::vector<gr_int32>>& samples) {
   const TG3TestGeometry geometry = image.geometry();
   std::vector<TG3TestBands> components;
+  components.reserve(samples.size());
   for (const std::vector<gr_int32>& component : samples) {
     components.push_back(
         tg3_forwardWavelet(geometry, image.width, image.height, component, image.correction));

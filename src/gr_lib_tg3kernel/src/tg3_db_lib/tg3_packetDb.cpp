@@ -22,10 +22,6 @@ std::tuple<gr_uint32, gr_int32, gr_uint32, gr_uint32> indexKey(const TG3PacketTy
   return {type.image, type.type, type.subType, type.subSubType};
 }
 
-bool isBefore(const DBObjectProxy* proxy, const TG3PacketType& type) {
-  return indexKey(proxy->getType()) < indexKey(type);
-}
-
 }  // namespace
 
 std::array<char, 24> TG3Version::toText() const {
@@ -93,28 +89,35 @@ GR_STATUS TG3PacketDB::readPacket(GRIOStreamInf& stream, gr_uint64& position) {
 GR_STATUS TG3PacketDB::makeIndex() {
   if (!GR_SUCCESS(m_index.allocate(m_proxies.size()))) return TG3_STATUS_NO_MEMORY;
   size_t count = 0;
-  for (DBObjectProxy& proxy : m_proxies) m_index[count++] = &proxy;
-  std::sort(m_index.begin(), m_index.end(), [](const DBObjectProxy* a, const DBObjectProxy* b) {
-    return indexKey(a->getType()) < indexKey(b->getType());
+  for (DBObjectProxy& proxy : m_proxies) m_index[count++].proxy = &proxy;
+  std::sort(m_index.begin(), m_index.end(), [](const IndexEntry& a, const IndexEntry& b) {
+    return indexKey(a.proxy->getType()) < indexKey(b.proxy->getType());
   });
   return GR_STATUS_OK;
 }
 
+const TG3PacketDB::IndexEntry* TG3PacketDB::firstFrom(const TG3PacketType& type) const {
+  return std::lower_bound(m_index.begin(), m_index.end(), type,
+                          [](const IndexEntry& entry, const TG3PacketType& first) {
+                            return indexKey(entry.proxy->getType()) < indexKey(first);
+                          });
+}
+
 bool TG3PacketDB::has(const TG3PacketType& type) const {
-  DBObjectProxy* const* proxy = std::lower_bound(m_index.begin(), m_index.end(), type, isBefore);
-  return proxy != m_index.end() && indexKey((*proxy)->getType()) == indexKey(type);
+  const IndexEntry* const entry = firstFrom(type);
+  return entry != m_index.end() && indexKey(entry->proxy->getType()) == indexKey(type);
 }
 
 DBObjectProxy* TG3PacketDB::findOne(const TG3PacketType& query) const {
   DBObjectProxy* found = nullptr;
   bool isOnly = true;
-  const auto look = [&](DBObjectProxy* const* proxy, gr_uint32 image, bool isAnyImage) {
-    for (; proxy != m_index.end() && isOnly; ++proxy) {
-      const TG3PacketType& type = (*proxy)->getType();
+  const auto look = [&](const IndexEntry* entry, gr_uint32 image, bool isAnyImage) {
+    for (; entry != m_index.end() && isOnly; ++entry) {
+      const TG3PacketType& type = entry->proxy->getType();
       if (!isAnyImage && (type.image != image || type.type != query.type)) return;
       if (!query.matches(type)) continue;
       isOnly = found == nullptr;
-      found = *proxy;
+      found = entry->proxy;
     }
   };
   if (query.image == TG3PacketType::ANY) {
@@ -122,8 +125,7 @@ DBObjectProxy* TG3PacketDB::findOne(const TG3PacketType& query) const {
   } else {
     // Packets of the image, and packets that stand for any image.
     for (const gr_uint32 image : {query.image, TG3PacketType::ANY}) {
-      const TG3PacketType first = TG3PacketType::query(query.type, 0, 0, image);
-      look(std::lower_bound(m_index.begin(), m_index.end(), first, isBefore), image, false);
+      look(firstFrom(TG3PacketType::query(query.type, 0, 0, image)), image, false);
     }
   }
   return isOnly ? found : nullptr;

@@ -51,12 +51,18 @@ class TG3PacketDB {
   DBObjectProxy* findOne(const TG3PacketType& query) const;
 
  private:
+  struct IndexEntry {
+    DBObjectProxy* proxy;
+  };
+
   GR_STATUS readPreamble(GRIOStreamInf& stream);
   GR_STATUS readPacket(GRIOStreamInf& stream, gr_uint64& position);
   GR_STATUS makeIndex();
+  /// The first packet in the index that doesn't stand before a type.
+  const IndexEntry* firstFrom(const TG3PacketType& type) const;
 
   TG3Version m_version;
   gr_uint64 m_end = 0;
   TG3List<DBObjectProxy> m_proxies;
-  GRArray<DBObjectProxy*> m_index;  // sorted, so that a search among many is short
+  GRArray<IndexEntry> m_index;  // sorted, so that a search among many is short
 };

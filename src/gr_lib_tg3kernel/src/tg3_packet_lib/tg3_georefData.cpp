@@ -1,6 +1,8 @@
 #include "gr_lib_tg3kernel/src/tg3_packet_lib/tg3_georefData.h"
 
 #include <cmath>
+#include <limits>
+#include <type_traits>
 
 #include "gr_lib_utils/include/gr_fieldReader.h"
 #include "gr_lib_utils/include/gr_status.h"
@@ -24,24 +26,29 @@ GR_STATUS readGeo(GRFieldReader& fields, TG3GeorefPosition& geo) {
   return isGood ? GR_STATUS_OK : TG3_STATUS_FORMAT_ERROR;
 }
 
+bool isByte(TG3Datatype datatype) {
+  return datatype == TG3_DATATYPE_UINT8 || datatype == TG3_DATATYPE_SINT8;
+}
+
+// A number of one or two bytes, the top bit of which may be a sign.
 template <typename T>
-GR_STATUS readValue(GRFieldReader& fields, gr_int32& value) {
+GR_STATUS readValue(GRFieldReader& fields, bool isSigned, gr_int32& value) {
+  static_assert(std::is_unsigned_v<T>);
+  constexpr gr_int32 NUM_VALUES = gr_int32{std::numeric_limits<T>::max()} + 1;
   T stored = 0;
   GR_RETURN_IF_FAILED(fields.read(stored));
-  value = stored;
+  value = isSigned && stored >= NUM_VALUES / 2 ? stored - NUM_VALUES : stored;
   return GR_STATUS_OK;
 }
 
 GR_STATUS readValue(GRFieldReader& fields, TG3Datatype datatype, gr_int32& value) {
   switch (datatype) {
     case TG3_DATATYPE_UINT8:
-      return readValue<gr_uint8>(fields, value);
     case TG3_DATATYPE_SINT8:
-      return readValue<gr_int8>(fields, value);
+      return readValue<gr_uint8>(fields, datatype == TG3_DATATYPE_SINT8, value);
     case TG3_DATATYPE_UINT16:
-      return readValue<gr_uint16>(fields, value);
     case TG3_DATATYPE_SINT16:
-      return readValue<gr_int16>(fields, value);
+      return readValue<gr_uint16>(fields, datatype == TG3_DATATYPE_SINT16, value);
     default:
       return TG3_STATUS_FORMAT_ERROR;
   }
@@ -54,8 +61,8 @@ GR_STATUS readPixel(GRFieldReader& fields, const TG3ImageInfo& info, TG3PixelRec
   GR_RETURN_IF_FAILED(fields.read(datatype));
   if (numBands != info.numComponents || datatype != info.datatype) return TG3_STATUS_FORMAT_ERROR;
   pixel.datatype = info.datatype;
-  const bool isByte = datatype == TG3_DATATYPE_UINT8 || datatype == TG3_DATATYPE_SINT8;
-  if (numBands * (isByte ? 1U : 2U) > fields.left()) return TG3_STATUS_FORMAT_ERROR;
+  const gr_uint64 numBytes = gr_uint64{numBands} * (isByte(info.datatype) ? 1 : 2);
+  if (numBytes > fields.left()) return TG3_STATUS_FORMAT_ERROR;
   if (!GR_SUCCESS(pixel.values.allocate(numBands))) return TG3_STATUS_NO_MEMORY;
   for (gr_int32& value : pixel.values) {
     GR_RETURN_IF_FAILED(readValue(fields, pixel.datatype, value));
