@@ -23,8 +23,8 @@ gr_uint16 valueAt(gr_uint32 col, gr_uint32 row, gr_uint32 band) {
 }
 
 struct Layout {
-  GRIRawLayout layout;
-  gr_uint16 numBands;
+  GRIRawLayout layout = GRI_RAW_LAYOUT_BIP;
+  gr_uint16 numBands = 1;
   gr_uint32 rowPadding = 0;  // bytes
   gr_uint32 header = 0;
   gr_uint32 trailer = 0;
