@@ -9,9 +9,10 @@
 
 namespace {
 
-constexpr gr_uint64 SCRATCH_BYTES = 256 * 1024;  // stays in the second-level cache
-constexpr gr_uint64 DIRECT_BYTES = 16 * 1024;    // from here on a line is worth a read of its own
-constexpr gr_uint64 MAX_GAP_BYTES = 4096;        // cheaper to read than to step over
+constexpr gr_uint64 SCRATCH_BYTES = gr_uint64{256} * 1024;  // stays in the second-level cache
+constexpr gr_uint64 DIRECT_BYTES =
+    gr_uint64{16} * 1024;                  // from here on a line is worth a read of its own
+constexpr gr_uint64 MAX_GAP_BYTES = 4096;  // cheaper to read than to step over
 
 void copySamples(const gr_uint8* from, gr_uint64 numSamples, const GRIRawSamples& samples,
                  gr_uint8* to) {
