@@ -5,7 +5,6 @@
 // of the process (user and system), and each number is the median of its rounds. All files are in
 // the page cache: what is compared is the work, not the disk.
 
-#include <cpl_conv.h>
 #include <fcntl.h>
 #include <gdal.h>
 #include <gri_rdk_cdll.h>

@@ -41,7 +41,7 @@ void report(benchmark::State& state) {
 
 void BM_DifferentScalar(benchmark::State& state) {
   Rows rows(state);
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     gri_markDifferentScalar(rows.b.data(), rows.none.data(), rows.numBands, rows.type, 0,
                             NUM_PIXELS, rows.marks.data());
     benchmark::ClobberMemory();
@@ -51,7 +51,7 @@ void BM_DifferentScalar(benchmark::State& state) {
 
 void BM_Different(benchmark::State& state) {
   Rows rows(state);
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     gri_markDifferent(rows.b.data(), rows.none.data(), rows.numBands, rows.type, NUM_PIXELS,
                       rows.marks.data());
     benchmark::ClobberMemory();
@@ -61,7 +61,7 @@ void BM_Different(benchmark::State& state) {
 
 void BM_GreaterScalar(benchmark::State& state) {
   Rows rows(state);
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     gri_markGreaterScalar(rows.a[0], rows.b[0], rows.type, 0, NUM_PIXELS, rows.marks.data());
     benchmark::ClobberMemory();
   }
@@ -70,7 +70,7 @@ void BM_GreaterScalar(benchmark::State& state) {
 
 void BM_Greater(benchmark::State& state) {
   Rows rows(state);
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     gri_markGreater(rows.a[0], rows.b[0], rows.type, NUM_PIXELS, rows.marks.data());
     benchmark::ClobberMemory();
   }
@@ -79,7 +79,7 @@ void BM_Greater(benchmark::State& state) {
 
 void BM_FuzzyScalar(benchmark::State& state) {
   Rows rows(state);
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     gri_markFuzzyScalar(rows.a.data(), rows.b.data(), rows.none.data(), rows.numBands, rows.type,
                         300.0, 0, NUM_PIXELS, rows.marks.data());
     benchmark::ClobberMemory();
@@ -89,7 +89,7 @@ void BM_FuzzyScalar(benchmark::State& state) {
 
 void BM_Fuzzy(benchmark::State& state) {
   Rows rows(state);
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     gri_markFuzzy(rows.a.data(), rows.b.data(), rows.none.data(), rows.numBands, rows.type, 300.0,
                   NUM_PIXELS, rows.marks.data());
     benchmark::ClobberMemory();

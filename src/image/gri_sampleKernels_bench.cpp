@@ -38,7 +38,7 @@ void report(benchmark::State& state, const Row& row) {
 template <Split split>
 void BM_Split(benchmark::State& state) {
   Row row(state);
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     split(row.pixels.data(), NUM_PIXELS, row.numBands, row.width, row.planes.data());
     benchmark::ClobberMemory();
   }
@@ -48,7 +48,7 @@ void BM_Split(benchmark::State& state) {
 template <Join join>
 void BM_Join(benchmark::State& state) {
   Row row(state);
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     join(row.planes.data(), NUM_PIXELS, row.numBands, row.width, row.pixels.data());
     benchmark::ClobberMemory();
   }
@@ -58,7 +58,7 @@ void BM_Join(benchmark::State& state) {
 template <Swap swap>
 void BM_Swap(benchmark::State& state) {
   Row row(state);
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     swap(row.pixels.data(), NUM_PIXELS, row.width, row.planes[0]);
     benchmark::ClobberMemory();
   }

@@ -29,7 +29,7 @@ struct Fixture {
 template <typename Operation>
 void repeat(benchmark::State& state, Operation&& operation) {
   Fixture fixture;
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     if (!GR_SUCCESS(operation(fixture))) state.SkipWithError("failed");
     benchmark::ClobberMemory();
   }
@@ -39,7 +39,7 @@ void repeat(benchmark::State& state, Operation&& operation) {
 
 void BM_Window(benchmark::State& state) {
   const Fixture fixture;
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     const GRISceneBuffer window(fixture.buffer, 0, 64, NUM_COLS, 64);
     benchmark::DoNotOptimize(window.getWindowBandData(2));
   }
@@ -81,12 +81,12 @@ void BM_CopyData(benchmark::State& state) {
 }
 
 void BM_MergeExact(benchmark::State& state) {
-  const GRIPixel noData = rgb();
+  const GRIPixel& noData = rgb();
   repeat(state, [&](Fixture& f) { return f.buffer.merge(GRI_MERGE_EXACT, f.other, &noData); });
 }
 
 void BM_MergeFuzzy(benchmark::State& state) {
-  const GRIPixel noData = rgb();
+  const GRIPixel& noData = rgb();
   repeat(state, [&](Fixture& f) { return f.buffer.merge(GRI_MERGE_FUZZY, f.other, &noData); });
 }
 

@@ -295,7 +295,7 @@ TEST_F(GRIMetadataPixelTest, APaletteComesBackWithTheColorSpaceOfItsBands) {
                                                        {4, GRI_COLORSPACE_CMYK}};
   for (const auto& [numBands, colorSpace] : cases) {
     database.removeAll();
-    std::vector<gr_uint8> values(numBands * 5u);
+    std::vector<gr_uint8> values(size_t{numBands} * 5);
     for (size_t i = 0; i < values.size(); ++i) values[i] = static_cast<gr_uint8>(i);
     const GRIPixelLookupTable table(
         GRIPixel(GRI_COLORSPACE_MULTISPECTRAL, numBands, GRI_DATATYPE_UINT8), 5, values.data());

@@ -18,7 +18,7 @@ namespace {
 
 constexpr std::uint32_t NUM_COLS = 40000;
 constexpr std::uint32_t NUM_ROWS = 40000;
-constexpr long LIMIT_KIB = 48 * 1024;  // above the caller's buffers
+constexpr long LIMIT_KIB = 48L * 1024;  // above the caller's buffers
 
 struct Layout {
   std::uint32_t blockCols;
