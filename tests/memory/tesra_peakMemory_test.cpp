@@ -1,0 +1,136 @@
+#include <gri_rdk_cdll.h>
+#include <gtest/gtest.h>
+#include <stdlib.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <iostream>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "tests/support/tg3_writer.h"
+
+namespace {
+
+constexpr gr_uint32 SIZE = 30000;            // columns and rows
+constexpr long LIMIT_KIB = 64 * 1024;        // above the caller's buffer
+constexpr long FULL_LIMIT_KIB = 128 * 1024;  // with an index of every subblock
+
+/// The most that the process has had in memory so far, in KiB.
+long peakKib() {
+  rusage usage = {};
+  getrusage(RUSAGE_SELF, &usage);
+  return usage.ru_maxrss;
+}
+
+/// What `work` gives in a process of its own, whose peak nothing else has raised.
+long inOwnProcess(const std::function<long()>& work) {
+  int ends[2] = {};
+  if (pipe(ends) != 0) return -1;
+  const pid_t child = fork();
+  if (child == 0) {
+    const long result = work();
+    const bool isWritten = write(ends[1], &result, sizeof(result)) == sizeof(result);
+    _exit(isWritten ? 0 : 1);
+  }
+  close(ends[1]);
+  long result = -1;
+  if (read(ends[0], &result, sizeof(result)) != sizeof(result)) result = -1;
+  close(ends[0]);
+  waitpid(child, nullptr, 0);
+  return result;
+}
+
+/// A picture with planes in every eighth row of subblocks and here and there between them.
+long writePicture(const std::string& path) {
+  TG3TestImage image;
+  image.width = SIZE;
+  image.height = SIZE;
+  image.numLevels = 8;
+  image.storage = 2;  // with the pipeline's order the layout for which there is a small index
+  std::mt19937 random(1);
+  std::vector<TG3TestSubblock> subblocks;
+  const TG3TestGeometry geometry = image.geometry();
+  for (gr_uint32 band = 0; band < geometry.bands().size(); ++band) {
+    const TG3TestGeometry::Band& of = geometry.bands()[band];
+    for (gr_uint64 block = 0; block < of.numBlocks(); ++block) {
+      if (block / of.blockColumns % 8 != 0 && block % 16 != 0) continue;
+      TG3TestPlane plane;
+      plane.plane = 28;
+      plane.bytes.resize(100);
+      for (gr_uint8& byte : plane.bytes) byte = static_cast<gr_uint8>(random());
+      subblocks.push_back({band, block, {plane}});
+    }
+  }
+  TG3Writer writer;
+  writer.addHeader(image);
+  writer.addPlaneset(image, subblocks);
+  std::ofstream file(path, std::ios::binary);
+  file.write(reinterpret_cast<const char*>(writer.bytes().data()),
+             static_cast<std::streamsize>(writer.bytes().size()));
+  return file ? 0 : -1;
+}
+
+/// Decodes the first strips and the last ones.
+/// @return what that took in KiB above the strip's own buffer, or a negative status
+long memoryOfDecode(const std::string& path, const char* model, gr_uint32 stripRows) {
+  setenv("GR_TG3_MEMORY_MODEL", model, 1);
+  std::vector<gr_uint8> strip(std::size_t{SIZE} * stripRows, 1);
+  void* bands[] = {strip.data()};
+  const long before = peakKib();
+  gric_image image = nullptr;
+  const GR_STATUS opened = gric_openTesraImageFile(&image, path.c_str());
+  if (opened != 0) return -static_cast<long>(opened);
+  for (gr_uint32 row = 0; row < SIZE;) {
+    const gr_uint32 numRows = std::min(stripRows, SIZE - row);
+    const GR_STATUS decoded = gric_decode(image, 0, row, SIZE, numRows, 1.0, bands);
+    if (decoded != 0) return -static_cast<long>(decoded);
+    row += row < 300 || row >= SIZE - 300 ? numRows : SIZE - 300 - row;
+  }
+  gric_closeImage(image);
+  return peakKib() - before;
+}
+
+class TesraPeakMemoryTest : public testing::Test {
+ protected:
+  void SetUp() override {
+    m_directory = std::filesystem::temp_directory_path() / "tesra_peakMemory.XXXXXX";
+    ASSERT_NE(mkdtemp(m_directory.data()), nullptr);
+    m_path = m_directory + "/picture.tsra";
+    ASSERT_EQ(inOwnProcess([&] { return writePicture(m_path); }), 0);
+  }
+  void TearDown() override { std::filesystem::remove_all(m_directory); }
+
+  long measure(const char* model, gr_uint32 stripRows) {
+    const long memory = inOwnProcess([&] { return memoryOfDecode(m_path, model, stripRows); });
+    std::cout << model << " index, strips of " << stripRows << " rows: " << memory
+              << " KiB above the caller's buffer\n";
+    return memory;
+  }
+
+ private:
+  std::string m_directory;
+  std::string m_path;
+};
+
+TEST_F(TesraPeakMemoryTest, ALargePictureIsDecodedInStripsInLittleMemory) {
+  for (const gr_uint32 stripRows : {64u, 250u}) {
+    const long memory = measure("partial", stripRows);
+    EXPECT_GE(memory, 0) << "status " << -memory;
+    EXPECT_LT(memory, LIMIT_KIB);
+  }
+}
+
+TEST_F(TesraPeakMemoryTest, AnIndexOfEverySubblockTakesAPlaceForEach) {
+  const long memory = measure("full", 64);
+  EXPECT_GE(memory, 0) << "status " << -memory;
+  EXPECT_LT(memory, FULL_LIMIT_KIB);
+}
+
+}  // namespace
