@@ -1,0 +1,464 @@
+// The readers of uncompressed images, of one block and of many.
+#include <bit>
+#include <cstring>
+
+#include "image/gri_pixel.h"
+#include "nitf/nitf_rawBlockReader.h"
+#include "nitf/nitf_rawSimpleReader.h"
+#include "tests/support/nitf_testFiles.h"
+
+namespace {
+
+/// A stream that counts the bytes read from the one below.
+class CountingStream : public GRIOStreamInf {
+ public:
+  explicit CountingStream(std::unique_ptr<GRIOStreamInf> below) : m_below(std::move(below)) {}
+
+  bool isEOF() override { return m_below->isEOF(); }
+  bool isOpen() override { return m_below->isOpen(); }
+  GR_STATUS open() override { return m_below->open(); }
+  GR_STATUS close() override { return m_below->close(); }
+  gr_uint32 read(gr_uint8* buffer, gr_uint32 length) override {
+    const gr_uint32 count = m_below->read(buffer, length);
+    m_numBytes += count;
+    return count;
+  }
+  gr_uint32 write(const gr_uint8*, gr_uint32) override { return 0; }
+  GR_STATUS seek(gr_int64 offset, GRIOSeekDir origin) override {
+    return m_below->seek(offset, origin);
+  }
+  gr_int64 tell() override { return m_below->tell(); }
+  GRIOStreamInf* duplicate() override { return nullptr; }
+  GR_STATUS getLastError() override { return m_below->getLastError(); }
+  const char* getID() override { return "counting:"; }
+
+  /// Bytes since the last call.
+  gr_uint64 takeCount() { return std::exchange(m_numBytes, 0); }
+
+ private:
+  std::unique_ptr<GRIOStreamInf> m_below;
+  gr_uint64 m_numBytes = 0;
+};
+
+class NITFRawReadersTest : public NITFFileTest {
+ protected:
+  /// A block reader over a stream that counts.
+  void openCounting(const NITFTestSegment& segment) {
+    ASSERT_EQ(open(nitfTestFileOf(segment)), GR_STATUS_OK);
+    std::unique_ptr<GRIOStreamInf> stream;
+    ASSERT_EQ(image().getImageStream(stream), GR_STATUS_OK);
+    auto counting = std::make_unique<CountingStream>(std::move(stream));
+    m_count = counting.get();
+    m_manager->retain();
+    m_reader = NITFReaderPointer(new NITFRawBlockReader);
+    ASSERT_EQ(m_reader->initialize(std::move(counting), NITFManagerPointer(m_manager.get()),
+                                   image(), false),
+              GR_STATUS_OK);
+  }
+  void expectRectangle(const NITFTestPixels& pixels, gr_uint32 col, gr_uint32 row,
+                       gr_uint32 numCols, gr_uint32 numRows) {
+    SCOPED_TRACE(testing::Message() << col << ' ' << row << ' ' << numCols << ' ' << numRows);
+    NITFBands bands;
+    ASSERT_EQ(decode(*m_reader, col, row, numCols, numRows, bands), GR_STATUS_OK);
+    for (gr_uint32 band = 0; band < pixels.numBands; ++band) {
+      const Bytes all = pixels.decoded(band);
+      Bytes expected;
+      for (gr_uint32 r = row; r < row + numRows; ++r) {
+        const auto first = all.begin() + (r * pixels.numCols + col) * pixels.sampleBytes;
+        expected.insert(expected.end(), first, first + numCols * pixels.sampleBytes);
+      }
+      ASSERT_EQ(bands[band], expected) << "band " << band;
+    }
+  }
+
+  NITFRawBlockReader& blockReader() { return dynamic_cast<NITFRawBlockReader&>(*m_reader); }
+
+  CountingStream* m_count = nullptr;  // the reader's
+};
+
+TEST_F(NITFRawReadersTest, EveryLayoutAndTypeIsDecodedExactly) {
+  const std::pair<const char*, gr_uint32> types[] = {{"INT", 1}, {"INT", 2}, {"INT", 4}, {"SI ", 1},
+                                                     {"SI ", 2}, {"SI ", 4}, {"R  ", 4}};
+  const std::pair<gr_uint32, gr_uint32> blocks[] = {{0, 0}, {8, 8}, {5, 7}, {33, 4}, {4, 21}};
+  for (const char mode : {'B', 'P', 'R', 'S'}) {
+    for (const auto& [type, sampleBytes] : types) {
+      for (const gr_uint32 numBands : {1U, 2U, 3U, 4U, 7U, 12U}) {
+        for (const auto& [blockCols, blockRows] : blocks) {
+          SCOPED_TRACE(testing::Message() << mode << ' ' << type << sampleBytes << " bands "
+                                          << numBands << " block " << blockCols);
+          const NITFTestPixels pixels = {.numCols = 33,
+                                         .numRows = 21,
+                                         .numBands = numBands,
+                                         .sampleBytes = sampleBytes,
+                                         .mode = mode,
+                                         .blockCols = blockCols,
+                                         .blockRows = blockRows,
+                                         .type = type};
+          ASSERT_EQ(openImage(nitfTestImage(NITF_TEST_21, pixels)), GR_STATUS_OK);
+          ASSERT_NO_FATAL_FAILURE(expectPixels(pixels));
+        }
+      }
+    }
+  }
+}
+
+TEST_F(NITFRawReadersTest, OneBlockAndManyHaveReadersOfTheirOwn) {
+  ASSERT_EQ(openImage(nitfTestImage(NITF_TEST_21, {})), GR_STATUS_OK);
+  EXPECT_NE(dynamic_cast<NITFRawSimpleReader*>(m_reader.get()), nullptr);
+  ASSERT_EQ(openImage(nitfTestImage(NITF_TEST_21, {.blockCols = 4, .blockRows = 5})), GR_STATUS_OK);
+  EXPECT_NE(dynamic_cast<NITFRawBlockReader*>(m_reader.get()), nullptr);
+}
+
+TEST_F(NITFRawReadersTest, AnyRectangleIsDecodedExactly) {
+  for (const char mode : {'B', 'P', 'R', 'S'}) {
+    for (const gr_uint32 blockSize : {0U, 16U}) {
+      SCOPED_TRACE(testing::Message() << mode << blockSize);
+      const NITFTestPixels pixels = {.numCols = 61,
+                                     .numRows = 150,
+                                     .numBands = 3,
+                                     .sampleBytes = 2,
+                                     .mode = mode,
+                                     .blockCols = blockSize,
+                                     .blockRows = blockSize};
+      ASSERT_EQ(openImage(nitfTestImage(NITF_TEST_21, pixels)), GR_STATUS_OK);
+      for (const gr_uint32 col : {0U, 15U, 16U, 40U}) {
+        for (const gr_uint32 row : {0U, 1U, 63U, 100U}) {
+          ASSERT_NO_FATAL_FAILURE(expectRectangle(pixels, col, row, 1, 1));
+          ASSERT_NO_FATAL_FAILURE(expectRectangle(pixels, col, row, 61 - col, 50));
+          ASSERT_NO_FATAL_FAILURE(expectRectangle(pixels, col, row, 17, 150 - row));
+        }
+      }
+    }
+  }
+}
+
+TEST_F(NITFRawReadersTest, LinesThatAreLongerThanTheBuffersAreDecodedExactly) {
+  for (const char mode : {'B', 'P', 'R', 'S'}) {
+    SCOPED_TRACE(mode);
+    // A line of a block is 9999 * 2 bytes, with all bands 320 kB.
+    const NITFTestPixels pixels = {.numCols = 12000,
+                                   .numRows = 3,
+                                   .numBands = 16,
+                                   .sampleBytes = 2,
+                                   .mode = mode,
+                                   .blockCols = 9999,
+                                   .blockRows = 2};
+    ASSERT_EQ(openImage(nitfTestImage(NITF_TEST_21, pixels)), GR_STATUS_OK);
+    ASSERT_NO_FATAL_FAILURE(expectPixels(pixels));
+    ASSERT_NO_FATAL_FAILURE(expectRectangle(pixels, 9990, 1, 20, 2));
+  }
+}
+
+TEST_F(NITFRawReadersTest, EveryVersionIsDecoded) {
+  const NITFTestPixels pixels = {.numCols = 10, .numRows = 9, .blockCols = 4, .blockRows = 4};
+  for (const char* const version : {NITF_TEST_20, NITF_TEST_21, NITF_TEST_NSIF}) {
+    SCOPED_TRACE(version);
+    ASSERT_EQ(openImage(nitfTestImage(version, pixels), version), GR_STATUS_OK);
+    expectPixels(pixels);
+  }
+}
+
+TEST_F(NITFRawReadersTest, APictureOfOneBlockMustHaveItsSize) {
+  NITFTestSegment segment = nitfTestImage(NITF_TEST_21, {});
+  segment.data.pop_back();
+  EXPECT_EQ(openImage(segment), GRI_STATUS_RAW_SIZE);
+  segment = nitfTestImage(NITF_TEST_21, {});
+  segment.data += "x";
+  EXPECT_EQ(openImage(segment), GRI_STATUS_RAW_SIZE);
+  // Samples that aren't whole bytes.
+  segment = nitfTestImage(NITF_TEST_21, {});
+  segment.header.set("NBPP", 12);
+  EXPECT_EQ(openImage(segment), GRI_STATUS_RAW_SIZE);
+}
+
+TEST_F(NITFRawReadersTest, APictureWithoutPixelsOpensAndDoesntDecode) {
+  for (const gr_uint32 blockSize : {0U, 4U}) {
+    NITFTestSegment segment =
+        nitfTestImage(NITF_TEST_21, {.blockCols = blockSize, .blockRows = blockSize});
+    segment.data.clear();
+    ASSERT_EQ(openImage(segment), GR_STATUS_OK);
+    NITFBands bands;
+    EXPECT_EQ(decode(bands), NITF_STATUS_READ_ERROR);
+  }
+}
+
+TEST_F(NITFRawReadersTest, ABlockThatIsntWholeFailsAndTheOthersDont) {
+  const NITFTestPixels pixels = {.numCols = 8, .numRows = 8, .blockCols = 4, .blockRows = 4};
+  NITFTestSegment segment = nitfTestImage(NITF_TEST_21, pixels);
+  segment.data.pop_back();
+  ASSERT_EQ(openImage(segment), GR_STATUS_OK);
+  NITFBands bands;
+  EXPECT_EQ(decode(bands), NITF_STATUS_READ_ERROR);
+  expectRectangle(pixels, 0, 0, 8, 4);
+  expectRectangle(pixels, 0, 4, 4, 4);
+  EXPECT_EQ(decode(*m_reader, 4, 4, 1, 1, bands), NITF_STATUS_READ_ERROR);
+  expectRectangle(pixels, 0, 4, 4, 4);
+}
+
+TEST_F(NITFRawReadersTest, EntriesThatPointBehindTheDataFailTheDecode) {
+  const NITFTestPixels pixels = {.numCols = 8, .numRows = 8, .blockCols = 4, .blockRows = 4};
+  for (const char* const entry : {"\xFF\xFF\xFF\xFE", "\x00\x00\x00\x31", "\x7F\xFF\xFF\xFF"}) {
+    NITFTestSegment segment = nitfTestMaskedImage(NITF_TEST_21, pixels, {});
+    segment.data.replace(10, 4, std::string(entry, 4));
+    ASSERT_EQ(openImage(segment), GR_STATUS_OK);
+    NITFBands bands;
+    EXPECT_EQ(decode(bands), NITF_STATUS_READ_ERROR);
+    expectRectangle(pixels, 0, 4, 8, 4);
+  }
+}
+
+TEST_F(NITFRawReadersTest, AStripInsideOfTheCacheReadsNoBytes) {
+  const NITFTestPixels pixels = {.numCols = 300,
+                                 .numRows = 300,
+                                 .numBands = 3,
+                                 .mode = 'P',
+                                 .blockCols = 100,
+                                 .blockRows = 100};
+  openCounting(nitfTestImage(NITF_TEST_21, pixels));
+  expectRectangle(pixels, 10, 10, 150, 20);
+  EXPECT_EQ(m_count->takeCount(), 2u * 100 * 100 * 3);
+  expectRectangle(pixels, 0, 0, 200, 100);
+  expectRectangle(pixels, 100, 99, 100, 1);
+  EXPECT_EQ(m_count->takeCount(), 0u);
+  expectRectangle(pixels, 199, 99, 2, 1);
+  EXPECT_NE(m_count->takeCount(), 0u);
+}
+
+TEST_F(NITFRawReadersTest, ADecodeReadsEachBlockOnceWhateverTheHeightOfItsStrips) {
+  for (const gr_uint32 blockRows : {20U, 64U, 100U}) {
+    SCOPED_TRACE(blockRows);
+    const NITFTestPixels pixels = {
+        .numCols = 200, .numRows = 300, .numBands = 2, .blockCols = 50, .blockRows = blockRows};
+    const NITFTestSegment segment = nitfTestImage(NITF_TEST_21, pixels);
+    openCounting(segment);
+    expectPixels(pixels);
+    EXPECT_LE(m_count->takeCount(), segment.data.size());
+  }
+}
+
+TEST_F(NITFRawReadersTest, RowsOfBlocksThatAreTooLargeAreReadByPartsEachByteOnce) {
+  for (const char mode : {'B', 'P', 'R', 'S'}) {
+    SCOPED_TRACE(mode);
+    const NITFTestPixels pixels = {.numCols = 90,
+                                   .numRows = 620,
+                                   .numBands = 2,
+                                   .mode = mode,
+                                   .blockCols = 90,
+                                   .blockRows = 610};
+    openCounting(nitfTestImage(NITF_TEST_21, pixels));
+    blockReader().setCacheBytes(90 * 2 * 200);  // three strips
+    expectPixels(pixels);
+    EXPECT_LE(m_count->takeCount(), 90u * 620 * 2);
+    expectRectangle(pixels, 80, 500, 10, 120);
+  }
+}
+
+TEST_F(NITFRawReadersTest, StripsThatAreTooLargeForTheCacheAreRead) {
+  for (const char mode : {'B', 'P', 'R', 'S'}) {
+    SCOPED_TRACE(mode);
+    NITFTestPixels pixels = {.numCols = 90,
+                             .numRows = 150,
+                             .numBands = 3,
+                             .mode = mode,
+                             .blockCols = 60,
+                             .blockRows = 70};
+    openCounting(nitfTestImage(NITF_TEST_21, pixels));
+    blockReader().setCacheBytes(1000);
+    expectPixels(pixels);
+    expectRectangle(pixels, 55, 60, 10, 20);
+
+    // With absent blocks, and with pad pixels, which the reader takes out in the cache.
+    openCounting(nitfTestMaskedImage(NITF_TEST_21, pixels, {.absent = {}}));
+    blockReader().setCacheBytes(1000);
+    expectPixels(pixels);
+    pixels.sample = [](gr_uint32 band, gr_uint32 row, gr_uint32 col) {
+      return row % 3 == 0 ? 7U : 100 + band + col;
+    };
+    openCounting(nitfTestMaskedImage(NITF_TEST_21, pixels, {.padCode = "\x07"}));
+    blockReader().setCacheBytes(1000);
+    pixels.sample = [](gr_uint32 band, gr_uint32 row, gr_uint32 col) {
+      return row % 3 == 0 ? 0U : 100 + band + col;
+    };
+    expectPixels(pixels);
+  }
+}
+
+TEST_F(NITFRawReadersTest, AbsentBlocksAreNotReadAndShowTheBackground) {
+  const NITFTestPixels pixels = {
+      .numCols = 8,
+      .numRows = 8,
+      .blockCols = 4,
+      .blockRows = 4,
+      .sample = [](gr_uint32, gr_uint32 row, gr_uint32 col) { return 100 + row * 8 + col; }};
+  NITFTestFile file = nitfTestFileOf(
+      nitfTestMaskedImage(NITF_TEST_21, pixels, {.absent = {0, 3}, .padCode = "\xC8"}));
+  file.header.set("FBKGC", "\x28zz");
+  ASSERT_EQ(openImage(file), GR_STATUS_OK);
+  NITFBands bands;
+  ASSERT_EQ(decode(bands), GR_STATUS_OK);
+  for (gr_uint32 row = 0; row < 8; ++row) {
+    for (gr_uint32 col = 0; col < 8; ++col) {
+      const bool isAbsent = (row < 4) == (col < 4);
+      EXPECT_EQ(bands[0][row * 8 + col], isAbsent ? 0x28 : 100 + row * 8 + col);
+    }
+  }
+}
+
+TEST_F(NITFRawReadersTest, NothingIsReadForAnAbsentBlock) {
+  const NITFTestPixels pixels = {.numCols = 8, .numRows = 8, .blockCols = 4, .blockRows = 4};
+  openCounting(nitfTestMaskedImage(NITF_TEST_21, pixels, {.absent = {1}}));
+  NITFBands bands;
+  ASSERT_EQ(decode(*m_reader, 4, 0, 4, 4, bands), GR_STATUS_OK);
+  EXPECT_EQ(m_count->takeCount(), 0u);
+  EXPECT_EQ(bands[0], Bytes(16, 0));
+  // What another block left in the cache doesn't show.
+  ASSERT_EQ(decode(*m_reader, 0, 0, 4, 4, bands), GR_STATUS_OK);
+  ASSERT_EQ(decode(*m_reader, 4, 0, 4, 4, bands), GR_STATUS_OK);
+  EXPECT_EQ(bands[0], Bytes(16, 0));
+}
+
+TEST_F(NITFRawReadersTest, PadPixelsShowTheBackgroundWhereAllBandsAreThePadCode) {
+  NITFTestPixels pixels = {
+      .numCols = 4, .numRows = 2, .numBands = 3, .mode = 'P', .blockCols = 2, .blockRows = 2};
+  // Column 0: all bands are the code; column 1: one of them isn't.
+  pixels.sample = [](gr_uint32 band, gr_uint32, gr_uint32 col) {
+    return col == 0 || (col == 1 && band != 2) ? 9U : 50U + col;
+  };
+  NITFTestFile file =
+      nitfTestFileOf(nitfTestMaskedImage(NITF_TEST_21, pixels, {.padCode = "\x09"}));
+  file.header.set("FBKGC", "\x01\x02\x03");
+  ASSERT_EQ(openImage(file), GR_STATUS_OK);
+  NITFBands bands;
+  ASSERT_EQ(decode(bands), GR_STATUS_OK);
+  EXPECT_EQ(bands[0], (Bytes{1, 9, 52, 53, 1, 9, 52, 53}));
+  EXPECT_EQ(bands[1], (Bytes{2, 9, 52, 53, 2, 9, 52, 53}));
+  EXPECT_EQ(bands[2], (Bytes{3, 51, 52, 53, 3, 51, 52, 53}));
+}
+
+TEST_F(NITFRawReadersTest, ImagesWithoutABackgroundShowZerosForPadPixelsOfAnyType) {
+  const std::pair<const char*, gr_uint32> types[] = {{"INT", 1}, {"INT", 2}, {"INT", 4}, {"SI ", 1},
+                                                     {"SI ", 2}, {"SI ", 4}, {"R  ", 4}};
+  for (const auto& [type, sampleBytes] : types) {
+    SCOPED_TRACE(type + std::to_string(sampleBytes));
+    const gr_uint32 code = 0x41200A00 >> (8 * (4 - sampleBytes));
+    const NITFTestPixels pixels = {
+        .numCols = 4,
+        .numRows = 1,
+        .numBands = 2,
+        .sampleBytes = sampleBytes,
+        .blockCols = 2,
+        .blockRows = 1,
+        .type = type,
+        .sample = [code](gr_uint32, gr_uint32, gr_uint32 col) { return col == 1 ? code : 7U; }};
+    const std::string padCode = std::string("\x41\x20\x0A\x00", 4).substr(0, sampleBytes);
+    ASSERT_EQ(openImage(nitfTestMaskedImage(NITF_TEST_21, pixels, {.padCode = padCode})),
+              GR_STATUS_OK);
+    NITFTestPixels expected = pixels;
+    expected.sample = [](gr_uint32, gr_uint32, gr_uint32 col) { return col == 1 ? 0U : 7U; };
+    expectPixels(expected);
+  }
+}
+
+TEST_F(NITFRawReadersTest, AShortPadCodeIsWidenedWithZeros) {
+  const NITFTestPixels pixels = {
+      .numCols = 4,
+      .numRows = 1,
+      .sampleBytes = 2,
+      .blockCols = 2,
+      .blockRows = 1,
+      .sample = [](gr_uint32, gr_uint32, gr_uint32 col) { return col == 1 ? 0x00FFU : 0xFFFFU; }};
+  ASSERT_EQ(openImage(nitfTestMaskedImage(NITF_TEST_21, pixels, {.padCode = "\xFF"})),
+            GR_STATUS_OK);
+  EXPECT_EQ(m_reader->getNoDataPixel()->getSample(0).getValueUint16(), 0x00FF);
+  NITFBands bands;
+  ASSERT_EQ(decode(bands), GR_STATUS_OK);
+  EXPECT_EQ(bands[0], (Bytes{0xFF, 0xFF, 0, 0, 0xFF, 0xFF, 0xFF, 0xFF}));
+}
+
+TEST_F(NITFRawReadersTest, SequentialBlocksMayBeAbsentInSingleBands) {
+  const NITFTestPixels pixels = {
+      .numCols = 4,
+      .numRows = 2,
+      .numBands = 2,
+      .mode = 'S',
+      .blockCols = 2,
+      .blockRows = 2,
+      .sample = [](gr_uint32 band, gr_uint32, gr_uint32 col) { return 10 * (band + 1) + col; }};
+  ASSERT_EQ(
+      openImage(nitfTestMaskedImage(NITF_TEST_21, pixels, {.absent = {1}, .padCode = "\x05"})),
+      GR_STATUS_OK);
+  NITFBands bands;
+  ASSERT_EQ(decode(bands), GR_STATUS_OK);
+  EXPECT_EQ(bands[0], (Bytes{10, 11, 5, 5, 10, 11, 5, 5}));
+  EXPECT_EQ(bands[1], (Bytes{20, 21, 22, 23, 20, 21, 22, 23}));
+}
+
+TEST_F(NITFRawReadersTest, AMaskedImageOfOneBlockIsReadAsItIs) {
+  const NITFTestPixels pixels;
+  ASSERT_EQ(openImage(nitfTestMaskedImage(NITF_TEST_21, pixels, {.padCode = "\x05", .gap = 3})),
+            GR_STATUS_OK);
+  expectPixels(pixels);
+  ASSERT_EQ(openImage(nitfTestMaskedImage(NITF_TEST_21, pixels, {.hasBlockTable = false})),
+            GR_STATUS_OK);
+  expectPixels(pixels);
+  EXPECT_EQ(openImage(nitfTestMaskedImage(NITF_TEST_21, pixels, {.absent = {0}})),
+            GRI_STATUS_RAW_SIZE);
+}
+
+TEST_F(NITFRawReadersTest, TheBackgroundComesFromTheFileForGreyAndRGBOfUpTo16Bits) {
+  const auto background = [this](const NITFTestPixels& pixels) {
+    NITFTestFile file = nitfTestFileOf(nitfTestImage(NITF_TEST_21, pixels));
+    file.header.set("FBKGC", "\x11\x22\x33");
+    EXPECT_EQ(openImage(file), GR_STATUS_OK);
+    return m_reader->getBackgroundPixel();
+  };
+  const GRIPixel* pixel = background({.numBands = 3});
+  ASSERT_NE(pixel, nullptr);
+  EXPECT_EQ(pixel->getSample(2).getValueUint8(), 0x33);
+  pixel = background({.numBands = 3, .sampleBytes = 2});
+  ASSERT_NE(pixel, nullptr);
+  EXPECT_EQ(pixel->getSample(1).getValueUint16(), 0x2200);
+  pixel = background({.sampleBytes = 2});
+  ASSERT_NE(pixel, nullptr);
+  EXPECT_EQ(pixel->getSample(0).getValueUint16(), 0x1100);
+  EXPECT_EQ(background({.numBands = 2}), nullptr);
+  EXPECT_EQ(background({.numBands = 3, .sampleBytes = 4}), nullptr);
+  EXPECT_EQ(background({.type = "SI "}), nullptr);
+}
+
+TEST_F(NITFRawReadersTest, TheRangeOf16BitSamplesFollowsFromThePrecision) {
+  NITFTestSegment segment = nitfTestImage(NITF_TEST_21, {.sampleBytes = 2});
+  segment.header.set("ABPP", 11);
+  ASSERT_EQ(openImage(segment), GR_STATUS_OK);
+  EXPECT_EQ(m_reader->getMinDynamicRange().getSample(0).getValueUint16(), 0);
+  EXPECT_EQ(m_reader->getMaxDynamicRange().getSample(0).getValueUint16(), 2047);
+  segment.header.set("ABPP", 16);
+  ASSERT_EQ(openImage(segment), GR_STATUS_OK);
+  EXPECT_EQ(m_reader->getMaxDynamicRange().getSample(0).getValueUint16(), 65535);
+  EXPECT_TRUE(m_reader->isFullDynamicRange());
+}
+
+TEST_F(NITFRawReadersTest, ALocationMovesTheOrigin) {
+  NITFTestSegment segment = nitfTestImage(NITF_TEST_21, {});
+  ASSERT_EQ(openImage(segment), GR_STATUS_OK);
+  EXPECT_TRUE(m_reader->isGeoCoordImplicit());
+  EXPECT_EQ(m_reader->getGeoCoord().getYOrigin(), 4);
+  segment.header.set("ILOCROW", "00012").set("ILOCCOL", "-0034");
+  ASSERT_EQ(openImage(segment), GR_STATUS_OK);
+  EXPECT_EQ(m_reader->getGeoCoord().getXOrigin(), -34);
+  EXPECT_EQ(m_reader->getGeoCoord().getYOrigin(), 4 - 12);
+}
+
+TEST_F(NITFRawReadersTest, TheReaderHasTheRecordsOfTheFileThenThoseOfTheImage) {
+  ASSERT_EQ(openImage(nitfTestImage(NITF_TEST_21, {})), GR_STATUS_OK);
+  const GRIMetadataDatabase& records = m_reader->getMetadata();
+  const GRIMetadataRecord* first = nullptr;
+  ASSERT_EQ(records.getDataByIndex(0, first), GR_STATUS_OK);
+  EXPECT_STREQ(first->getTagName(), "NITF::FH000::SCLAS");
+  EXPECT_TRUE(records.has("NITF::FH000::NUMRES"));
+  EXPECT_TRUE(records.has("NITF::IM001::SCLAS"));
+  EXPECT_EQ(m_reader->getSourceFileSize(), static_cast<gr_int64>(m_manager->getFileSize()));
+  EXPECT_TRUE(m_reader->isSelective());
+}
+
+}  // namespace
