@@ -8,7 +8,7 @@
 #include <hwy/highway.h>
 
 HWY_BEFORE_NAMESPACE();
-namespace gri {
+namespace gri_markKernels {
 namespace HWY_NAMESPACE {
 namespace hn = hwy::HWY_NAMESPACE;
 
@@ -225,34 +225,41 @@ size_t FuzzyGroups(const void* const*, const void* const*, const void* const*, s
 #endif
 
 }  // namespace HWY_NAMESPACE
-}  // namespace gri
+}  // namespace gri_markKernels
 HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE
-namespace gri {
+namespace gri_markKernels {
+// A build for one instruction set alone finds a kernel by its name in its own namespace.
 HWY_EXPORT(DifferentGroups);
 HWY_EXPORT(GreaterGroups);
 HWY_EXPORT(FuzzyGroups);
-}  // namespace gri
+
+auto chosenDifferentGroups() { return HWY_DYNAMIC_DISPATCH(DifferentGroups); }
+
+auto chosenGreaterGroups() { return HWY_DYNAMIC_DISPATCH(GreaterGroups); }
+
+auto chosenFuzzyGroups() { return HWY_DYNAMIC_DISPATCH(FuzzyGroups); }
+}  // namespace gri_markKernels
 
 void gri_markDifferent(const void* const* rows, const void* const* noData, size_t numBands,
                        GRIDataType type, size_t numPixels, gr_uint8* marks) {
   const size_t done =
-      HWY_DYNAMIC_DISPATCH(gri::DifferentGroups)(rows, noData, numBands, type, numPixels, marks);
+      gri_markKernels::chosenDifferentGroups()(rows, noData, numBands, type, numPixels, marks);
   gri_markDifferentScalar(rows, noData, numBands, type, done, numPixels, marks);
 }
 
 void gri_markGreater(const void* a, const void* b, GRIDataType type, size_t numPixels,
                      gr_uint8* marks) {
-  const size_t done = HWY_DYNAMIC_DISPATCH(gri::GreaterGroups)(a, b, type, numPixels, marks);
+  const size_t done = gri_markKernels::chosenGreaterGroups()(a, b, type, numPixels, marks);
   gri_markGreaterScalar(a, b, type, done, numPixels, marks);
 }
 
 void gri_markFuzzy(const void* const* a, const void* const* b, const void* const* noData,
                    size_t numBands, GRIDataType type, double threshold, size_t numPixels,
                    gr_uint8* marks) {
-  const size_t done = HWY_DYNAMIC_DISPATCH(gri::FuzzyGroups)(a, b, noData, numBands, type,
-                                                             threshold, numPixels, marks);
+  const size_t done = gri_markKernels::chosenFuzzyGroups()(a, b, noData, numBands, type, threshold,
+                                                           numPixels, marks);
   gri_markFuzzyScalar(a, b, noData, numBands, type, threshold, done, numPixels, marks);
 }
 #endif  // HWY_ONCE

@@ -10,7 +10,7 @@
 #include <hwy/highway.h>
 
 HWY_BEFORE_NAMESPACE();
-namespace gri {
+namespace gri_sampleKernels {
 namespace HWY_NAMESPACE {
 namespace hn = hwy::HWY_NAMESPACE;
 
@@ -155,22 +155,29 @@ void CopySwapped(const void* from, size_t numSamples, size_t sampleBytes, void* 
 }
 
 }  // namespace HWY_NAMESPACE
-}  // namespace gri
+}  // namespace gri_sampleKernels
 HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE
-namespace gri {
+namespace gri_sampleKernels {
+// A build for one instruction set alone finds a kernel by its name in its own namespace.
 HWY_EXPORT(SplitBands);
 HWY_EXPORT(JoinBands);
 HWY_EXPORT(CopySwapped);
-}  // namespace gri
+
+auto chosenSplitBands() { return HWY_DYNAMIC_DISPATCH(SplitBands); }
+
+auto chosenJoinBands() { return HWY_DYNAMIC_DISPATCH(JoinBands); }
+
+auto chosenCopySwapped() { return HWY_DYNAMIC_DISPATCH(CopySwapped); }
+}  // namespace gri_sampleKernels
 
 void gri_splitBands(const void* interleaved, size_t numPixels, size_t numBands, size_t sampleBytes,
                     void* const* planes) {
   if (numBands == 1) {
     if (numPixels != 0) std::memcpy(planes[0], interleaved, numPixels * sampleBytes);
   } else if (numBands <= 4 && sampleBytes <= 4) {
-    HWY_DYNAMIC_DISPATCH(gri::SplitBands)(interleaved, numPixels, numBands, sampleBytes, planes);
+    gri_sampleKernels::chosenSplitBands()(interleaved, numPixels, numBands, sampleBytes, planes);
   } else {
     gri_splitBandsScalar(interleaved, numPixels, numBands, sampleBytes, planes);
   }
@@ -181,7 +188,7 @@ void gri_joinBands(const void* const* planes, size_t numPixels, size_t numBands,
   if (numBands == 1) {
     if (numPixels != 0) std::memcpy(interleaved, planes[0], numPixels * sampleBytes);
   } else if (numBands <= 4 && sampleBytes <= 4) {
-    HWY_DYNAMIC_DISPATCH(gri::JoinBands)(planes, numPixels, numBands, sampleBytes, interleaved);
+    gri_sampleKernels::chosenJoinBands()(planes, numPixels, numBands, sampleBytes, interleaved);
   } else {
     gri_joinBandsScalar(planes, numPixels, numBands, sampleBytes, interleaved);
   }
@@ -189,7 +196,7 @@ void gri_joinBands(const void* const* planes, size_t numPixels, size_t numBands,
 
 void gri_copySwapped(const void* from, size_t numSamples, size_t sampleBytes, void* to) {
   if (sampleBytes == 1) return gri_copySwappedScalar(from, numSamples, sampleBytes, to);
-  HWY_DYNAMIC_DISPATCH(gri::CopySwapped)(from, numSamples, sampleBytes, to);
+  gri_sampleKernels::chosenCopySwapped()(from, numSamples, sampleBytes, to);
 }
 
 void gri_copyFromBigEndian(const void* from, size_t numSamples, size_t sampleBytes, void* to) {
