@@ -62,7 +62,7 @@ GR_STATUS GRIGeoCoord::writeWorldFile(const GRFileSpec& path, bool deriveName) c
   if (deriveName) GR_RETURN_IF_FAILED(getWorldFileName(path, derived));
   const GRFileSpec& worldFile = deriveName ? derived : path;
   // "%.15f" of a double takes at most 309 digits, a point and 15 more; to_chars knows no locale.
-  std::array<char, NUM_VALUES * 330> text = {};
+  std::array<char, NUM_VALUES* 330> text = {};
   char* at = text.data();
   char* const end = at + text.size();
   for (const double value :

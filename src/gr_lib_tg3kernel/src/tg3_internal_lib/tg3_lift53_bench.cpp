@@ -23,7 +23,7 @@ void levelOfSynthesis(benchmark::State& state) {
     HORIZONTAL(heldEven.data(), heldEven.data() + n, scratch.data(), out.data(), n);
     benchmark::DoNotOptimize(out.data());
   }
-  state.SetItemsProcessed(static_cast<int64_t>(state.iterations()) * 2 * WIDTH);
+  state.SetItemsProcessed(static_cast<int64_t>(state.iterations()) * int64_t{2 * WIDTH});
 }
 
 BENCHMARK(levelOfSynthesis<tg3_lift53VerticalScalar, tg3_lift53HorizontalScalar>)
@@ -38,7 +38,7 @@ void clampRow(benchmark::State& state) {
     CLAMP(values.data(), 0, 255, samples.data(), WIDTH);
     benchmark::DoNotOptimize(samples.data());
   }
-  state.SetItemsProcessed(static_cast<int64_t>(state.iterations()) * WIDTH);
+  state.SetItemsProcessed(static_cast<int64_t>(state.iterations()) * int64_t{WIDTH});
 }
 
 BENCHMARK(clampRow<tg3_clampTo8Scalar>)->Name("clampTo8/scalar");
