@@ -1,11 +1,13 @@
 #include "nitf/nitf_imageManager.h"
 
 #include <cassert>
+#include <string_view>
 
 #include "gr_lib_utils/include/gr_exception.h"
 #include "gr_lib_utils/include/gr_ioFileStream.h"
 #include "gr_lib_utils/include/gr_ioStreamUtils.h"
 #include "gr_lib_utils/include/gr_status.h"
+#include "metadata/gri_metadataDatabase.h"
 #include "nitf/nitf_dataSegment.h"
 #include "nitf/nitf_fileHeader.h"
 #include "nitf/nitf_graphicSegment.h"
@@ -105,6 +107,22 @@ GR_STATUS NITFImageManager::createImageStage(gr_uint32 imageNumber, GRIImageStag
   if (imageNumber >= getNumImages()) return NITF_STATUS_SEGMENT_NUMBER;
   GR_RETURN_IF_FAILED(createReader(reader, imageNumber + 1));
   stage = reader.detach();
+  return GR_STATUS_OK;
+}
+
+GR_STATUS NITFImageManager::mergeMetadata(GRIMetadataDatabase& database) {
+  constexpr std::string_view IMAGE_PREFIX = "NITF::IM";
+  for (gr_uint32 number = 1; number <= getNumImageSegments(); ++number) {
+    GRUtilSmartPointer<NITFImageReader> reader;
+    GR_RETURN_IF_FAILED(createReader(reader, number));
+    const GRIMetadataDatabase& records = reader->getMetadata();
+    for (gr_uint32 i = 0; i < records.getIndexCount(); ++i) {
+      const GRIMetadataRecord* record = nullptr;
+      GR_RETURN_IF_FAILED(records.getDataByIndex(i, record));
+      const std::string_view tag = record->getTagName();
+      if (tag.starts_with(IMAGE_PREFIX)) GR_RETURN_IF_FAILED(database.add(*record));
+    }
+  }
   return GR_STATUS_OK;
 }
 

@@ -11,6 +11,7 @@
 #include "image/gri_imageStageManager.h"
 #include "nitf/nitf_segmentList.h"
 
+class GRIMetadataDatabase;
 class NITFFileHeader;
 class NITFImageReader;
 
@@ -42,6 +43,10 @@ class NITFImageManager : public GRIImageStageManager {
                                        gr_uint32 segmentNumber);
   /// The same with numbers from 0.
   [[nodiscard]] GR_STATUS createImageStage(gr_uint32 imageNumber, GRIImageStage*& stage) override;
+
+  /// Adds the records of all images ("NITF::IM...") to a database.
+  /// @return 0; the first failure: of an image, or 50504 for a tag that is there already; 8
+  [[nodiscard]] GR_STATUS mergeMetadata(GRIMetadataDatabase& database);
 
   const NITFFileHeader& getFileHeader() const { return *m_header; }
   const GRFileSpec& getFileSpec() const { return m_fileSpec; }

@@ -1,6 +1,7 @@
 #include "nitf/nitf_imageManager.h"
 
 #include "image/gri_geoCoord.h"
+#include "metadata/gri_metadataDatabase.h"
 #include "tests/support/nitf_testFiles.h"
 
 namespace {
@@ -64,6 +65,23 @@ TEST_F(NITFImageManagerTest, CompressionsWithoutAReaderAreReported) {
   EXPECT_EQ(openImage(segment), NITF_STATUS_JPEG);
   segment.header.set("IC", "C8");
   EXPECT_EQ(openImage(segment), NITF_STATUS_IC);
+}
+
+TEST_F(NITFImageManagerTest, TheRecordsOfAllImagesCanBeMerged) {
+  NITFTestFile file;
+  file.images = {nitfTestImage(NITF_TEST_21, {}), nitfTestImage(NITF_TEST_21, {})};
+  ASSERT_EQ(open(file), GR_STATUS_OK);
+  GRIMetadataDatabase database;
+  ASSERT_EQ(m_manager->mergeMetadata(database), GR_STATUS_OK);
+  EXPECT_TRUE(database.has("NITF::IM001::SCLAS"));
+  EXPECT_TRUE(database.has("NITF::IM002::SCLAS"));
+  EXPECT_FALSE(database.has("NITF::FH000::SCLAS"));
+  EXPECT_EQ(m_manager->mergeMetadata(database), GRI_STATUS_TAG_DUPLICATE);
+
+  file.images.push_back(vectorQuantized());
+  ASSERT_EQ(open(file), GR_STATUS_OK);
+  GRIMetadataDatabase other;
+  EXPECT_EQ(m_manager->mergeMetadata(other), NITF_STATUS_VQ);
 }
 
 TEST_F(NITFImageManagerTest, AWorldFilePlacesTheFirstImageAlone) {
