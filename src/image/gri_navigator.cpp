@@ -103,7 +103,7 @@ GR_STATUS GRINavigator::moveBy(double dx, double dy, GRINavigatorStyle style) {
 
 GR_STATUS GRINavigator::moveTo(double x, double y, GRINavigatorStyle style) {
   assign(x, y, m_width, m_height, m_mag);
-  const GRIScene moved = *this;
+  const GRIScene moved(static_cast<const GRIScene&>(*this));
   return setScene(moved, style);
 }
 
@@ -113,7 +113,7 @@ GR_STATUS GRINavigator::zoomBy(double factor, GRINavigatorStyle style) {
 
 GR_STATUS GRINavigator::zoomTo(double mag, GRINavigatorStyle style) {
   m_mag = mag;
-  const GRIScene zoomed = *this;
+  const GRIScene zoomed(static_cast<const GRIScene&>(*this));
   return setScene(zoomed, style);
 }
 

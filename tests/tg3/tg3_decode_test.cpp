@@ -154,7 +154,8 @@ Samples randomSamples(const TG3TestImage& image, std::mt19937& random) {
   Samples samples(image.numComponents);
   for (size_t band = 0; band < samples.size(); ++band) {
     for (gr_uint32 i = 0; i < image.width * image.height; ++i) {
-      const gr_int64 smooth = (i % image.width) * (band + 1) + i / image.width * 2 + random() % 3;
+      const gr_int64 smooth =
+          (i % image.width) * (band + 1) + size_t{i} / image.width * 2 + random() % 3;
       const gr_int64 value = isNoise ? static_cast<gr_int64>(random()) : smooth;
       samples[band].push_back(static_cast<gr_int32>(image.dynamicRangeMin + value % span));
     }
