@@ -240,7 +240,7 @@ TEST_F(NITFLargeFileTest, RowsBehindFourGigabytesAreDecoded) {
 TEST_F(NITFLargeFileTest, BlocksBehindFourGigabytesAreDecoded) {
   openLarge(1000, 70);
   const gr_uint64 block = 69ull * 70 + 12;
-  put(block * 1000 * 1000 + 500 * 1000 + 345, '\x66');
+  put(block * 1000 * 1000 + gr_uint64{500} * 1000 + 345, '\x66');
   expectSample(12345, 69500, 0x66);
 }
 

@@ -64,8 +64,8 @@ class NITFRawReadersTest : public NITFFileTest {
       const Bytes all = pixels.decoded(band);
       Bytes expected;
       for (gr_uint32 r = row; r < row + numRows; ++r) {
-        const auto first = all.begin() + (r * pixels.numCols + col) * pixels.sampleBytes;
-        expected.insert(expected.end(), first, first + numCols * pixels.sampleBytes);
+        const auto first = all.begin() + (size_t{r} * pixels.numCols + col) * pixels.sampleBytes;
+        expected.insert(expected.end(), first, first + size_t{numCols} * pixels.sampleBytes);
       }
       ASSERT_EQ(bands[band], expected) << "band " << band;
     }
@@ -246,7 +246,7 @@ TEST_F(NITFRawReadersTest, RowsOfBlocksThatAreTooLargeAreReadByPartsEachByteOnce
                                    .blockCols = 90,
                                    .blockRows = 610};
     openCounting(nitfTestImage(NITF_TEST_21, pixels));
-    blockReader().setCacheBytes(90 * 2 * 200);  // three strips
+    blockReader().setCacheBytes(gr_uint64{90} * 2 * 200);  // three strips
     expectPixels(pixels);
     EXPECT_LE(m_count->takeCount(), 90u * 620 * 2);
     expectRectangle(pixels, 80, 500, 10, 120);

@@ -84,6 +84,7 @@ TEST_P(NITFReferenceTest, GivesTheStatusOrTheSamplesThatItMust) {
   std::vector<std::vector<gr_uint8>> bands(
       entry.numBands, std::vector<gr_uint8>(size_t{entry.width} * entry.height * type.bytes));
   std::vector<void*> pointers;
+  pointers.reserve(bands.size());
   for (auto& band : bands) pointers.push_back(band.data());
   EXPECT_EQ(gric_decode(image, 0, 0, entry.width, entry.height, 1.0, pointers.data()), 0U);
   EXPECT_EQ(gric_closeImage(image), 0U);

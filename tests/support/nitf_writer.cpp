@@ -42,7 +42,7 @@ void addImageFields(NITFTestFields& f, const std::string& version, const NITFTes
   f.add("PVTYPE", pixels.type);
   f.add("IREP", pixels.numBands == 1 ? "MONO    " : pixels.numBands == 3 ? "RGB     " : "MULTI   ");
   f.add("ICAT", "VIS     ");
-  f.addNumber("ABPP", pixels.sampleBytes * 8, 2);
+  f.addNumber("ABPP", gr_uint64{8} * pixels.sampleBytes, 2);
   f.add("PJUST", "R");
   f.add("ICORDS", is20(version) ? "N" : " ");
   f.add("NICOM", "0");
@@ -67,7 +67,7 @@ void addImageFields(NITFTestFields& f, const std::string& version, const NITFTes
   f.addNumber("NBPC", pixels.blocksPerCol(), 4);
   f.addNumber("NPPBH", pixels.blockCols != 0 ? pixels.blockCols : pixels.numCols, 4);
   f.addNumber("NPPBV", pixels.blockRows != 0 ? pixels.blockRows : pixels.numRows, 4);
-  f.addNumber("NBPP", pixels.sampleBytes * 8, 2);
+  f.addNumber("NBPP", gr_uint64{8} * pixels.sampleBytes, 2);
   f.add("IDLVL", "001");
   f.add("IALVL", "000");
   f.add("ILOCROW", "00000");
@@ -248,7 +248,7 @@ NITFTestSegment nitfTestMaskedImage(const std::string& version, const NITFTestPi
   }
   std::string tables;
   if (mask.hasBlockTable) tables += table;
-  if (mask.hasPadTable) tables += std::string(4 * pixels.numBlocks(), '\xFF');
+  if (mask.hasPadTable) tables += std::string(size_t{4} * pixels.numBlocks(), '\xFF');
   const std::string padCode = mask.padCode.value_or("");
   const size_t length = 10 + padCode.size() + tables.size();
   image.data = bigEndian(length + mask.gap, 4) +

@@ -44,6 +44,7 @@ GR_STATUS decode(gric_image image, double magnification, std::FILE* out) {
   const size_t rowBytes = width * bytesOf(gric_getDataType(image));
   std::vector<std::vector<char>> planes(numBands, std::vector<char>(rowBytes * STRIP_ROWS));
   std::vector<void*> pointers;
+  pointers.reserve(numBands);
   for (auto& plane : planes) pointers.push_back(plane.data());
   for (gr_uint32 row = 0; row < height; row += STRIP_ROWS) {
     const gr_uint32 rows = std::min(STRIP_ROWS, height - row);
