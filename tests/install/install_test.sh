@@ -30,7 +30,7 @@ case $way in
     [ "$(pkg-config --modversion gri_rdk_cdll)" = 7.0.0.2181 ]
     ;;
   find_package)
-    "$cmake" -S "$here/find_package" -B "$work/build" -DCMAKE_C_COMPILER="$cc" \
+    "$cmake" -G Ninja -S "$here/find_package" -B "$work/build" -DCMAKE_C_COMPILER="$cc" \
       -DCMAKE_C_FLAGS="$cflags" -DCMAKE_PREFIX_PATH="$installed"
     "$cmake" --build "$work/build"
     cp "$work/build/host" "$work/host"
