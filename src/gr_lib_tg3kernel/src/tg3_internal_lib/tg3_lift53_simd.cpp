@@ -96,36 +96,32 @@ void AddRows(const gr_int32* a, const gr_int32* b, gr_int32* sum, size_t n) {
   tg3_addRowsScalar(a + i, b + i, sum + i, n - i);
 }
 
-void ClampTo8(const gr_int32* values, gr_int32 low, gr_int32 high, gr_uint8* samples, size_t n) {
+/// @return how many of the samples are done: whole vectors
+template <typename Sample>
+size_t ClampVectors(const gr_int32* values, gr_int32 low, gr_int32 high, Sample* samples,
+                    size_t n) {
   const D d;
-  const hn::Rebind<gr_uint8, D> d8;
-  const hn::RebindToUnsigned<D> du;
+  const hn::Rebind<Sample, D> narrow;
   const size_t lanes = hn::Lanes(d);
   const V lowest = hn::Set(d, low);
   const V highest = hn::Set(d, high);
+  const V mask = hn::Set(d, static_cast<Sample>(~Sample{0}));
   size_t i = 0;
   for (; i + lanes <= n; i += lanes) {
     const V v = hn::Min(hn::Max(hn::LoadU(d, values + i), lowest), highest);
-    const auto bits = hn::And(hn::BitCast(du, v), hn::Set(du, 0xFFu));
-    hn::StoreU(hn::DemoteTo(d8, hn::BitCast(d, bits)), d8, samples + i);
+    hn::StoreU(hn::DemoteTo(narrow, hn::And(v, mask)), narrow, samples + i);
   }
-  tg3_clampTo8Scalar(values + i, low, high, samples + i, n - i);
+  return i;
+}
+
+void ClampTo8(const gr_int32* values, gr_int32 low, gr_int32 high, gr_uint8* samples, size_t n) {
+  const size_t done = ClampVectors(values, low, high, samples, n);
+  tg3_clampTo8Scalar(values + done, low, high, samples + done, n - done);
 }
 
 void ClampTo16(const gr_int32* values, gr_int32 low, gr_int32 high, gr_uint16* samples, size_t n) {
-  const D d;
-  const hn::Rebind<gr_uint16, D> d16;
-  const hn::RebindToUnsigned<D> du;
-  const size_t lanes = hn::Lanes(d);
-  const V lowest = hn::Set(d, low);
-  const V highest = hn::Set(d, high);
-  size_t i = 0;
-  for (; i + lanes <= n; i += lanes) {
-    const V v = hn::Min(hn::Max(hn::LoadU(d, values + i), lowest), highest);
-    const auto bits = hn::And(hn::BitCast(du, v), hn::Set(du, 0xFFFFu));
-    hn::StoreU(hn::DemoteTo(d16, hn::BitCast(d, bits)), d16, samples + i);
-  }
-  tg3_clampTo16Scalar(values + i, low, high, samples + i, n - i);
+  const size_t done = ClampVectors(values, low, high, samples, n);
+  tg3_clampTo16Scalar(values + done, low, high, samples + done, n - done);
 }
 
 }  // namespace HWY_NAMESPACE
