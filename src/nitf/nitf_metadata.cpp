@@ -13,10 +13,10 @@ namespace {
 
 class Tag {
  public:
-  Tag(std::string_view prefix, std::string_view name) {
-    assert(prefix.size() + name.size() <= NITFMetadata::MAX_TAG_LENGTH);
-    prefix.copy(m_text.data(), prefix.size());
-    name.copy(m_text.data() + prefix.size(), name.size());
+  Tag(std::string_view prefix, std::string_view name, std::string_view kind = "") {
+    assert(prefix.size() + kind.size() + name.size() <= NITFMetadata::MAX_TAG_LENGTH);
+    char* end = m_text.data();
+    for (const std::string_view part : {prefix, kind, name}) end += part.copy(end, part.size());
   }
   const char* text() const { return m_text.data(); }
 
@@ -53,4 +53,9 @@ GR_STATUS NITFMetadata::addInt(std::string_view name, gr_int32 value) {
 GR_STATUS NITFMetadata::addBytes(std::string_view name, std::span<const gr_uint8> bytes) {
   return addVector(m_database, Tag(m_prefix, name), GRI_METADATA_DATATYPE_UINT8, bytes.size(),
                    bytes.data());
+}
+
+GR_STATUS NITFMetadata::addTRE(std::string_view tag, std::span<const gr_uint8> bytes) {
+  return addVector(m_database, Tag(m_prefix, tag, "TRE_"), GRI_METADATA_DATATYPE_UINT8,
+                   bytes.size(), bytes.data());
 }

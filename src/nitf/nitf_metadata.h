@@ -27,6 +27,8 @@ class NITFMetadata {
   [[nodiscard]] GR_STATUS addInt(std::string_view name, gr_int32 value);
   /// A vector of UINT8.
   [[nodiscard]] GR_STATUS addBytes(std::string_view name, std::span<const gr_uint8> bytes);
+  /// The same for a tagged record extension, whose name is "TRE_" and its tag.
+  [[nodiscard]] GR_STATUS addTRE(std::string_view tag, std::span<const gr_uint8> bytes);
 
  private:
   GRIMetadataDatabase& m_database;

@@ -6,9 +6,11 @@
 
 #include "gr_lib_utils/include/gr_ioStreamOpener.h"
 #include "gr_lib_utils/include/gr_status.h"
+#include "nitf/nitf_dataSegment.h"
 #include "nitf/nitf_fileHeader.h"
 #include "nitf/nitf_imageManager.h"
 #include "nitf/nitf_readBytes.h"
+#include "nitf/nitf_treReader.h"
 
 namespace {
 
@@ -87,5 +89,23 @@ GR_STATUS NITFSegment::readWholeData(GRArray<gr_uint8>& data) {
 GR_STATUS NITFSegment::addMetadata(GRIMetadataDatabase& database) const {
   NITFMetadata metadata(database, getPrefix());
   GR_RETURN_IF_FAILED(m_security.addMetadata(metadata));
+  GR_RETURN_IF_FAILED(addArea(m_userArea, database));
+  GR_RETURN_IF_FAILED(addArea(m_extensionArea, database));
+  GR_RETURN_IF_FAILED(addOverflow(m_userArea, true, database));
+  GR_RETURN_IF_FAILED(addOverflow(m_extensionArea, false, database));
   return addSegmentMetadata(metadata);
+}
+
+GR_STATUS NITFSegment::addArea(const NITFExtensionArea& area, GRIMetadataDatabase& database) const {
+  return NITFTREReader(m_stream, area.offset, area.length).addMetadata(database, getPrefix());
+}
+
+GR_STATUS NITFSegment::addOverflow(const NITFExtensionArea& area, bool isUser,
+                                   GRIMetadataDatabase& database) const {
+  if (area.overflow == 0) return GR_STATUS_OK;
+  if (area.overflow > m_manager.getNumDataSegments()) return NITF_STATUS_INVALID_FILE;
+  const NITFDataSegment& segment = m_manager.getDataSegment(area.overflow);
+  GR_RETURN_IF_FAILED(segment.verifyIsOverflow(m_code, isUser, getNumber()));
+  return NITFTREReader(m_stream, segment.getDataOffset(), segment.getDataLength())
+      .addMetadata(database, getPrefix());
 }

@@ -49,8 +49,11 @@ class NITFSegment {
   /// @return 0; 51204 for a short read; 51210 when it isn't what it has to be; 8; or the status of
   ///         the kind of segment
   [[nodiscard]] virtual GR_STATUS initialize();
-  /// Adds the records of the segment.
-  /// @return 0; 50504 when a tag is there already; 8
+  /// Adds the records of the segment: security, the extensions of its areas and of the overflow
+  /// segments that continue them, and then what the kind tells.
+  /// @return 0; 50504 when a tag is there already, as when an extension occurs twice; 51210 for
+  ///         extensions that don't fill their area, and for an overflow segment that isn't there or
+  ///         belongs to another; 51204 for a short read; 8
   [[nodiscard]] virtual GR_STATUS addMetadata(GRIMetadataDatabase& database) const;
 
   NITFVersion getVersion() const { return m_version; }
@@ -92,6 +95,9 @@ class NITFSegment {
 
  private:
   GR_STATUS readAreas(NITFFieldReader& fields);
+  GR_STATUS addArea(const NITFExtensionArea& area, GRIMetadataDatabase& database) const;
+  GR_STATUS addOverflow(const NITFExtensionArea& area, bool isUser,
+                        GRIMetadataDatabase& database) const;
   void makePrefix();
 
   const NITFImageManager& m_manager;
