@@ -34,6 +34,12 @@ constexpr GR_STATUS GR_STATUS_TEMPNAM = 3034;
 constexpr GR_STATUS GR_STATUS_STATUS_DATA = 3070;
 constexpr GR_STATUS GR_STATUS_STATUS_DATA_TYPE = 3071;
 
+// Locks of images (4000 to 4999).
+constexpr GR_STATUS GR_STATUS_NO_KEY = 4005;  ///< nobody gave a password
+constexpr GR_STATUS GR_STATUS_WRONG_KEY = 4006;
+constexpr GR_STATUS GR_STATUS_INVALID_KEY = 4009;  ///< of a length that no key has
+constexpr GR_STATUS GR_STATUS_NO_KEY_PROVIDER = 4011;
+
 // Input and output (145000 to 145999).
 constexpr GR_STATUS GRIO_STATUS_NOT_INITIALIZED = 145003;
 constexpr GR_STATUS GRIO_STATUS_INVALID_ARGUMENT = 145011;
