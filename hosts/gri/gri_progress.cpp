@@ -26,15 +26,19 @@ std::string durationWords(double seconds) {
 
 }  // namespace
 
-GRIProgress::GRIProgress(std::ostream* out, double pixels)
-    : m_out(out), m_pixels(pixels), m_start(Clock::now()), m_nextLine(m_start + FIRST_LINE_AFTER) {}
+GRIProgress::GRIProgress(std::ostream* out, double pixels, Now now)
+    : m_out(out),
+      m_pixels(pixels),
+      m_now(now),
+      m_start(now()),
+      m_nextLine(m_start + FIRST_LINE_AFTER) {}
 
 GRIProgress::~GRIProgress() {
   if (m_isShown) *m_out << "\r\x1B[K" << std::flush;
 }
 
 double GRIProgress::seconds() const {
-  return std::chrono::duration<double>(Clock::now() - m_start).count();
+  return std::chrono::duration<double>(m_now() - m_start).count();
 }
 
 std::string GRIProgress::line(double fraction, double pixels, double seconds) {
@@ -52,8 +56,8 @@ std::string GRIProgress::line(double fraction, double pixels, double seconds) {
 }
 
 void GRIProgress::show(double fraction) {
-  if (m_out == nullptr || Clock::now() < m_nextLine) return;
-  m_nextLine = Clock::now() + BETWEEN_LINES;
+  if (m_out == nullptr || m_now() < m_nextLine) return;
+  m_nextLine = m_now() + BETWEEN_LINES;
   m_isShown = true;
   *m_out << "\r\x1B[K" << line(fraction, m_pixels, seconds()) << std::flush;
 }

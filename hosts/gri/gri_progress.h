@@ -11,10 +11,12 @@
 class GRIProgress {
  public:
   using Clock = std::chrono::steady_clock;
+  using Now = Clock::time_point (*)();
 
   /// @param out     where to; null shows nothing
   /// @param pixels  of the whole output
-  GRIProgress(std::ostream* out, double pixels);
+  /// @param now     tells the time
+  GRIProgress(std::ostream* out, double pixels, Now now = Clock::now);
   ~GRIProgress();
   GRIProgress(const GRIProgress&) = delete;
   GRIProgress& operator=(const GRIProgress&) = delete;
@@ -29,6 +31,7 @@ class GRIProgress {
  private:
   std::ostream* m_out;
   double m_pixels;
+  Now m_now;
   Clock::time_point m_start;
   Clock::time_point m_nextLine;
   bool m_isShown = false;

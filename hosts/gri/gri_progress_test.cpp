@@ -3,7 +3,12 @@
 #include <gtest/gtest.h>
 
 #include <sstream>
-#include <thread>
+
+namespace {
+
+// A clock that stands still until a test moves it.
+GRIProgress::Clock::time_point theTime;
+GRIProgress::Clock::time_point theClock() { return theTime; }
 
 TEST(GRIProgressTest, TheLineTellsShareRateAndTimeLeft) {
   EXPECT_EQ(GRIProgress::line(0.5, 1e9, 5), " 50%  100 Mpixel/s  0:05 left");
@@ -19,21 +24,28 @@ TEST(GRIProgressTest, TheFirstMomentsSayNothingOfTheRest) {
 TEST(GRIProgressTest, ShortWorkShowsNothing) {
   std::ostringstream out;
   {
-    GRIProgress progress(&out, 100);
+    GRIProgress progress(&out, 100, theClock);
+    theTime += std::chrono::milliseconds(299);
     progress.show(0.5);
   }
   EXPECT_EQ(out.str(), "");
 }
 
-TEST(GRIProgressTest, TheLineIsWipedAtTheEnd) {
+TEST(GRIProgressTest, TheLineIsRewrittenNowAndThenAndWipedAtTheEnd) {
   std::ostringstream out;
   {
-    GRIProgress progress(&out, 100);
-    std::this_thread::sleep_for(std::chrono::milliseconds(320));
+    GRIProgress progress(&out, 100, theClock);
+    theTime += std::chrono::milliseconds(300);
     progress.show(0.5);
+    theTime += std::chrono::milliseconds(99);
     progress.show(0.6);  // too soon after the last
+    theTime += std::chrono::milliseconds(1);
+    progress.show(0.7);
   }
-  EXPECT_EQ(out.str().find("60%"), std::string::npos);
   EXPECT_NE(out.str().find("50%"), std::string::npos);
+  EXPECT_EQ(out.str().find("60%"), std::string::npos);
+  EXPECT_NE(out.str().find("70%"), std::string::npos);
   EXPECT_TRUE(out.str().ends_with("\r\x1B[K"));
 }
+
+}  // namespace

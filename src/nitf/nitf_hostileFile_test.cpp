@@ -1,7 +1,6 @@
 // Files that are cut, damaged, or promise more than they hold.
 #include <sys/resource.h>
 
-#include <chrono>
 #include <filesystem>
 #include <fstream>
 
@@ -130,8 +129,7 @@ TEST_F(NITFHostileFileTest, ManySegmentsThatArentThereAreRefusedAtOnce) {
   EXPECT_EQ(open(bytes), NITF_STATUS_INVALID_FILE);
 }
 
-TEST_F(NITFHostileFileTest, ABillionBlocksNeedNeitherTimeNorMemory) {
-  const auto begin = std::chrono::steady_clock::now();
+TEST_F(NITFHostileFileTest, ABillionBlocksNeedNoMemory) {
   const long memoryBefore = peakKiB();
   for (const char mode : {'B', 'P', 'R', 'S'}) {
     SCOPED_TRACE(mode);
@@ -149,8 +147,6 @@ TEST_F(NITFHostileFileTest, ABillionBlocksNeedNeitherTimeNorMemory) {
     masked.header.set("NBPR", 9999).set("NBPC", 9999);
     EXPECT_EQ(open(nitfTestFileOf(masked)), NITF_STATUS_INVALID_FILE);
   }
-  const std::chrono::duration<double> time = std::chrono::steady_clock::now() - begin;
-  EXPECT_LT(time.count(), 10.0);
 #ifndef GRI_SANITIZED
   EXPECT_LT(peakKiB() - memoryBefore, 64 * 1024);
 #else

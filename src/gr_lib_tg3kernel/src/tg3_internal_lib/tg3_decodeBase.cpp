@@ -82,7 +82,7 @@ GR_STATUS DecodeBase::getRow(gr_uint32 band, gr_uint32 row, gr_uint32 firstCol, 
     GR_RETURN_IF_FAILED(load(band, row, loaded));
   }
 
-  const size_t offset = (row - loaded.firstRow) * loaded.columns();
+  const size_t offset = size_t{row - loaded.firstRow} * loaded.columns();
   for (gr_uint32 c = 0; c < numComponents; ++c) {
     const bool isZero = loaded.components.empty() || loaded.components[c].filled == 0;
     components[c] = isZero ? nullptr : loaded.components[c].samples.data() + offset;
