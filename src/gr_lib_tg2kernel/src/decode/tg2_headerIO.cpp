@@ -8,6 +8,7 @@
 
 #include "gr_lib_tg2kernel/src/decode/tg2_status.h"
 #include "gr_lib_utils/include/gr_checkedMath.h"
+#include "gr_lib_utils/include/gr_encryption.h"
 #include "gr_lib_utils/include/gr_fieldReader.h"
 #include "gr_lib_utils/include/gr_status.h"
 
@@ -152,16 +153,18 @@ gr_uint32 TG2BandHeader::getRecordOffset(gr_uint32 record) const {
 }
 
 GR_STATUS TG2BandHeader::read(GRIOStreamInf& stream, gr_uint64 bytesLeft, const TG2Rect& block,
-                              Encryption* /*encryption*/) {
+                              Encryption* encryption) {
   GRFieldReader fields = fieldsOf(stream, bytesLeft);
   gr_uint16 marker = 0;
   GR_RETURN_IF_FAILED(fields.read(marker));
   if (marker != MARKER_BAND) return TG2_STATUS_BAD_MARKER;
 
   GR_RETURN_IF_FAILED(fields.read(m_bits.data(), m_bits.size()));
+  if (encryption != nullptr) encryption->decrypt(m_bits);
   m_numCodes = std::accumulate(m_bits.begin(), m_bits.end(), size_t{0});
   if (m_numCodes > MAX_CODES) return TG2_STATUS_DECODING;
   GR_RETURN_IF_FAILED(fields.read(m_huffval.data(), m_numCodes));
+  if (encryption != nullptr) encryption->decrypt(std::span(m_huffval).first(m_numCodes));
 
   GR_RETURN_IF_FAILED(fields.read(m_binWidth));
   if (!std::isfinite(m_binWidth) || m_binWidth < 0.0F) return TG2_STATUS_DECODING;
