@@ -4,6 +4,7 @@
 #pragma once
 
 #include "gr_lib_utils/include/gr_types.h"
+#include "image/tesra_encryptImp.h"
 #include "image/tesra_passwordDelegate.h"
 
 /// How much memory a reader may take for the sake of speed.
@@ -36,15 +37,19 @@ class TesraImageReaderInterface {
   /// Replaces who is asked for a password; null for nobody. The delegate stays the caller's and
   /// outlives the reader, or is replaced before it goes.
   virtual void setPasswordDelegate(TesraPasswordDelegate* delegate) {
-    m_passwordDelegate = delegate;
+    m_keyProvider.setDelegate(delegate);
   }
-  TesraPasswordDelegate* getPasswordDelegate() const { return m_passwordDelegate; }
+  TesraPasswordDelegate* getPasswordDelegate() const { return m_keyProvider.getDelegate(); }
 
  protected:
-  TesraImageReaderInterface() = default;
+  TesraImageReaderInterface() { m_keyProviders.add(m_keyProvider); }
   TesraImageReaderInterface(const TesraImageReaderInterface&) = delete;
   TesraImageReaderInterface& operator=(const TesraImageReaderInterface&) = delete;
 
+  /// Who is asked for the keys of a lock: the delegate, for passwords.
+  const KeyProviderRegistry& getKeyProviders() const { return m_keyProviders; }
+
  private:
-  TesraPasswordDelegate* m_passwordDelegate = nullptr;
+  EncryptImp m_keyProvider;
+  KeyProviderRegistry m_keyProviders;
 };

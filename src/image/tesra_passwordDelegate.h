@@ -2,9 +2,11 @@
 /// TesraPasswordDelegate, the host's side of a locked image.
 #pragma once
 
+#include <cstring>
 #include <memory>
 
 #include "gr_lib_utils/include/gr_memory.h"
+#include "gr_lib_utils/include/gr_secret.h"
 #include "gr_lib_utils/include/gr_status.h"
 
 /// Is asked for the password of a locked image when a part of it is decoded.
@@ -22,7 +24,7 @@ class TesraPasswordDelegate {
   TesraPasswordDelegate& operator=(const TesraPasswordDelegate&) = default;
 };
 
-/// Holds one password and always gives that.
+/// Holds one password and always gives that. It is wiped with the delegate.
 class TesraSimplePasswordDelegate : public TesraPasswordDelegate {
  public:
   /// A delegate with a copy of `password`; null when memory runs out.
@@ -30,16 +32,18 @@ class TesraSimplePasswordDelegate : public TesraPasswordDelegate {
     std::unique_ptr<TesraSimplePasswordDelegate> made =
         gr_makeUnique<TesraSimplePasswordDelegate>();
     const size_t bytes = std::strlen(password) + 1;
-    if (made == nullptr || !GR_SUCCESS(made->m_password.allocateUninitialized(bytes))) {
+    if (made == nullptr || !GR_SUCCESS(made->m_password.assign(
+                               {reinterpret_cast<const gr_uint8*>(password), bytes}))) {
       return nullptr;
     }
-    std::memcpy(made->m_password.data(), password, bytes);
     return made;
   }
 
   void reportIncorrectPassword() override {}
-  const char* getPassword() override { return m_password.empty() ? "" : m_password.data(); }
+  const char* getPassword() override {
+    return m_password.empty() ? "" : reinterpret_cast<const char*>(m_password.span().data());
+  }
 
  private:
-  GRArray<char> m_password;  // with its zero
+  GRSecret m_password;  // with its zero
 };
