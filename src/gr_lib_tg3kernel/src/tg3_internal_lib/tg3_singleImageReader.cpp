@@ -158,11 +158,18 @@ void TG3SingleImageReader::getVersion(gr_uint8& major, gr_uint8& minor, gr_uint8
   letter = version.letter;
 }
 
+void TG3SingleImageReader::setPasswordDelegate(TesraPasswordDelegate* delegate) {
+  TesraImageReaderInterface::setPasswordDelegate(delegate);
+  if (m_planeSource == nullptr) return;
+  if (GRLock* const lock = m_planeSource->getLock()) lock->allowAsking();
+}
+
 GR_STATUS TG3SingleImageReader::createTool() {
   std::unique_ptr<TG3FileSimplePlaneSource> planeSource = gr_makeUnique<TG3FileSimplePlaneSource>();
   if (planeSource == nullptr) return GR_STATUS_NO_MEMORY;
   GR_RETURN_IF_FAILED(
       planeSource->initialize(*m_container, m_imageSource->getImageNumber(), m_memoryUsage));
+  if (GRLock* const lock = planeSource->getLock()) lock->setKeyProviders(&getKeyProviders());
 
   std::unique_ptr<TG3FileSimpleDecoderTool> made = gr_makeUnique<TG3FileSimpleDecoderTool>();
   if (made == nullptr) return GR_STATUS_NO_MEMORY;

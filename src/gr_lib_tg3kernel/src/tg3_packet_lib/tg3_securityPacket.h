@@ -21,7 +21,7 @@ class TG3SecurityPacket final : public TG3Packet {
       : TG3Packet(type, place) {}
 
   TG3LockKind getLockKind() const { return m_lockKind; }
-  /// What follows the kind: the data of the lock, then its keys.
+  /// What follows the kind: the data of the lock, then its keys (GRLock::make).
   std::span<const gr_uint8> getLockData() const { return m_lockData.span(); }
   /// Whether the keys are in the older form.
   bool isLegacy() const { return m_type.versionMajor == 0; }

@@ -24,7 +24,14 @@ GR_STATUS TG3FileSimplePlaneSource::initialize(TG3FileSimpleContainer& container
     GR_RETURN_IF_FAILED(opener.open());
     GR_RETURN_IF_FAILED(opener.close(m_store.initialize(m_info, m_model, *reader)));
   }
-  m_client = gr_makeUnique<TG3FilePlaneStoreClient>(m_info, m_store, nullptr, std::move(stream),
-                                                    std::move(reader), container.leavesOpen());
+  if (m_info.locked) GR_RETURN_IF_FAILED(makeLock(container, image));
+  m_client = gr_makeUnique<TG3FilePlaneStoreClient>(
+      m_info, m_store, m_lock.get(), std::move(stream), std::move(reader), container.leavesOpen());
   return m_client == nullptr ? TG3_STATUS_NO_MEMORY : GR_STATUS_OK;
+}
+
+GR_STATUS TG3FileSimplePlaneSource::makeLock(TG3FileSimpleContainer& container, gr_uint32 image) {
+  const TG3SecurityPacket* security = nullptr;
+  GR_RETURN_IF_FAILED(container.getSecurity(image, security));
+  return security == nullptr ? GR_STATUS_OK : GRLock::make(*security, m_info, m_lock);
 }
