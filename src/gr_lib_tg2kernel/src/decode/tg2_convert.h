@@ -51,6 +51,7 @@ void tg2_convertFourBands(const float* const* planes, gr_uint16* const* bands, s
 ///
 /// @param planes  one per band, row after row
 /// @param stride  from one row of a plane to the next, in samples
-/// @param cols, rows  the size to convert, at most that of the window
-void tg2_convertPlanes(const float* const* planes, size_t stride, gr_uint32 cols, gr_uint32 rows,
-                       GRISceneBuffer& buffer);
+/// @param col, row    where the first sample goes in the window
+/// @param cols, rows  the size to convert, which the window has from there on
+void tg2_convertPlanes(const float* const* planes, size_t stride, gr_uint32 col, gr_uint32 row,
+                       gr_uint32 cols, gr_uint32 rows, GRISceneBuffer& buffer);
