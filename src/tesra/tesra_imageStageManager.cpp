@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "gr_lib_tg2kernel/src/decode/tg2_imageReader.h"
 #include "gr_lib_tg3kernel/src/tg3_db_lib/tg3_fileSimpleContainer.h"
 #include "gr_lib_tg3kernel/src/tg3_internal_lib/tg3_singleImageReader.h"
 #include "gr_lib_utils/include/gr_checkedMath.h"
@@ -131,9 +132,27 @@ GR_STATUS TesraImageStageManager::createImageStage(gr_uint32 imageNumber, GRIIma
     case Kind::TG3:
       return createTG3Reader(image, stage);
     case Kind::TG2:
-      return GRI_STATUS_UNSUPPORTED_OPERATION;
+      return createTG2Reader(image, stage);
   }
   return TESRA_STATUS_UNKNOWN_TILE_FORMAT;
+}
+
+GR_STATUS TesraImageStageManager::createTG2Reader(Image& image, GRIImageStage*& stage) {
+  GRUtilSmartPointer<TG2ImageReader> reader(gr_makeUnique<TG2ImageReader>().release());
+  if (!reader) return GR_STATUS_NO_MEMORY;
+  if (m_container == nullptr) {
+    GR_RETURN_IF_FAILED(reader->initialize(*m_stream, nullptr, m_memoryUsage, m_streamUsage));
+  } else {
+    std::unique_ptr<GRIOStreamInf> stream;
+    GR_RETURN_IF_FAILED(m_container->makeTG2Stream(image.imageId, stream));
+    GR_RETURN_IF_FAILED(
+        reader->initialize(std::move(stream), nullptr, m_memoryUsage, m_streamUsage));
+  }
+  reader->setPasswordDelegate(m_passwordDelegate);
+  image.numLevels = reader->getNumLevels();
+  image.locked = reader->isLocked();
+  stage = reader.detach();
+  return GR_STATUS_OK;
 }
 
 GR_STATUS TesraImageStageManager::createTG3Reader(Image& image, GRIImageStage*& stage) {

@@ -35,8 +35,8 @@ class TesraImageStageManager : public GRIImageStageManager {
 
   /// Makes the reader of an image.
   /// @param stage  receives it with one reference, the caller's; null on failure
-  /// @return 0; 3 for a number at or past getNumImages(); 8 for memory; 50002 for an image of
-  ///         generation 2; else the reader's status
+  /// @return 0; 3 for a number at or past getNumImages(); 8 for memory; 50607 for an image of
+  ///         generation 2 that isn't all in the file; else the reader's status
   [[nodiscard]] GR_STATUS createImageStage(gr_uint32 imageNumber, GRIImageStage*& stage) override;
 
   /// What is known of an image; levels and lock are those of its reader, once it was made.
@@ -68,6 +68,7 @@ class TesraImageStageManager : public GRIImageStageManager {
   GR_STATUS readVersion();
   GR_STATUS readContainer();
   GR_STATUS chooseMemoryUsage();
+  GR_STATUS createTG2Reader(Image& image, GRIImageStage*& stage);
   GR_STATUS createTG3Reader(Image& image, GRIImageStage*& stage);
 
   std::unique_ptr<GRIOStreamInf> m_ownedStream;  // when we opened the file ourselves

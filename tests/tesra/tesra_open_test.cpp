@@ -57,9 +57,10 @@ TEST(TesraOpenTest, RefusesGenerationsThatThereAreNot) {
   EXPECT_EQ(openStatus(preamble(4, 0, 26, 't')), 50607u);
 }
 
-TEST(TesraOpenTest, TellsThatTheOlderGenerationIsNotSupported) {
-  EXPECT_EQ(openStatus(preamble(1, 0, 0, 0)), 50002u);
-  EXPECT_EQ(openStatus(preamble(2, 0, 0, 0)), 50002u);
+TEST(TesraOpenTest, ReadsFilesThatBeginWithOneOrTwoAsTheOlderGeneration) {
+  EXPECT_EQ(openStatus(preamble(1, 0, 0, 0)), 8101u);
+  EXPECT_EQ(openStatus(preamble(1, 2, 0, 0)), 8105u);
+  EXPECT_EQ(openStatus(preamble(2, 0, 0, 0)), 8105u);
 }
 
 TEST(TesraOpenTest, RefusesVersionsThatCameLater) {
@@ -94,10 +95,10 @@ TEST(TesraOpenTest, TellsThatSeveralImagesAreNotSupported) {
   EXPECT_EQ(openStatus(writer.bytes()), 50002u);
 }
 
-TEST(TesraOpenTest, TellsThatAWrappedImageOfTheOlderGenerationIsNotSupported) {
+TEST(TesraOpenTest, ReadsAWrappedImageOfTheOlderGeneration) {
   TG3Writer writer;
   writer.addPacket({.type = 7}, preamble(2, 0, 0, 0));
-  EXPECT_EQ(openStatus(writer.bytes()), 50002u);
+  EXPECT_EQ(openStatus(writer.bytes()), 8105u);
 }
 
 TEST(TesraOpenTest, RefusesTwoHeadersOfOneImage) {
