@@ -49,6 +49,8 @@ class TG2Decoder {
 
   gr_uint32 getCurrentStrip() const { return m_currentStrip; }
   gr_uint32 getNumStrips() const { return m_numStrips; }
+  /// Whether it holds coefficients that the next strip needs too.
+  bool keepsForNextStrip() const { return m_overlap != nullptr; }
 
  private:
   TG2Rect stripRect(gr_uint32 strip) const;
