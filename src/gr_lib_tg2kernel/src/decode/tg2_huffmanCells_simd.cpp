@@ -26,23 +26,22 @@ namespace tg2_huffmanCells_simd {
 namespace HWY_NAMESPACE {
 namespace hn = hwy::HWY_NAMESPACE;
 
-/// The bits of a record that come next.
+/// The bits of a record that come next. Kept in registers: a copy of it goes to what isn't inlined.
 class Window {
  public:
   Window(std::span<const gr_uint8> record, const TG2RestartState& state)
-      : m_begin(record.data() + state.offset),
-        m_next(m_begin),
-        m_end(record.data() + record.size()),
+      : m_next(record.data() + state.offset),
         m_bits(gr_uint64{state.byteInHand} << (56 + state.phase)),
-        m_count(8u - state.phase),
-        m_first(state.byteInHand) {}
+        m_count(8u - state.phase) {}
 
   gr_uint64 bits() const { return m_bits; }
+  /// How many of them are there, 1 to 63; behind them are zeros, or what comes next.
   gr_uint32 count() const { return m_count; }
+  const gr_uint8* next() const { return m_next; }
 
   /// Puts bits behind those at hand, up to 56 or more unless the record has no more that are safe.
-  HWY_INLINE void refill() {
-    if (m_end - m_next >= 8) [[likely]] {
+  HWY_INLINE void refill(const gr_uint8* end) {
+    if (end - m_next >= 8) [[likely]] {
       gr_uint64 bytes = 0;
       std::memcpy(&bytes, m_next, sizeof(bytes));
       if constexpr (std::endian::native == std::endian::little) bytes = __builtin_bswap64(bytes);
@@ -55,7 +54,7 @@ class Window {
         return;
       }
     }
-    refillByBytes();
+    *this = refilledByBytes(*this, end);
   }
 
   /// Takes bits whose number are the lowest 6 of `length`, fewer than count().
@@ -64,38 +63,40 @@ class Window {
     m_count -= length % 64;
   }
 
-  /// Writes the place of the next bit.
-  void place(const gr_uint8* record, TG2RestartState& state) const {
-    const gr_uint8* next = m_next;
-    for (gr_uint32 bytes = (m_count - 1) / 8; bytes > 0; --bytes) next = before(next);
-    state.byteInHand = next == m_begin ? m_first : *before(next);
-    state.offset = static_cast<gr_uint64>(next - record);
-    state.phase = static_cast<gr_uint8>((0u - m_count) % 8);
-  }
-
  private:
-  /// The byte before `next` that counts: a 0x00 that follows 0xFF doesn't.
-  const gr_uint8* before(const gr_uint8* next) const {
-    --next;
-    return *next == 0 && next != m_begin && next[-1] == 0xFF ? next - 1 : next;
-  }
-
-  HWY_NOINLINE void refillByBytes() {
-    while (m_count <= 56 && m_next != m_end) {
-      if (*m_next == 0xFF && (m_end - m_next < 2 || m_next[1] != 0)) return;
-      m_bits |= gr_uint64{*m_next} << (56 - m_count);
-      m_next += *m_next == 0xFF ? 2 : 1;
-      m_count += 8;
+  HWY_NOINLINE static Window refilledByBytes(Window window, const gr_uint8* end) {
+    while (window.m_count < 56 && window.m_next != end) {
+      const gr_uint8 byte = *window.m_next;
+      if (byte == 0xFF && (end - window.m_next < 2 || window.m_next[1] != 0)) break;
+      window.m_bits |= gr_uint64{byte} << (56 - window.m_count);
+      window.m_next += byte == 0xFF ? 2 : 1;
+      window.m_count += 8;
     }
+    return window;
   }
 
-  const gr_uint8* m_begin;  // bytes before it belong to no one here
   const gr_uint8* m_next;
-  const gr_uint8* m_end;
-  gr_uint64 m_bits;   // zeros, or what comes next, behind the first m_count
-  gr_uint32 m_count;  // 1 to 63
-  gr_uint8 m_first;   // the byte in hand at the beginning
+  gr_uint64 m_bits;
+  gr_uint32 m_count;
 };
+
+/// The byte before `next` that counts: 0x00 doesn't behind a 0xFF from `begin` on.
+const gr_uint8* ByteBefore(const gr_uint8* begin, const gr_uint8* next) {
+  --next;
+  return *next == 0 && next != begin && next[-1] == 0xFF ? next - 1 : next;
+}
+
+/// Moves a place to the next bit of a window that began there.
+void MoveTo(const Window& window, std::span<const gr_uint8> record, TG2RestartState& state) {
+  const gr_uint8* const begin = record.data() + state.offset;
+  const gr_uint8* next = window.next();
+  for (gr_uint32 bytes = (window.count() - 1) / 8; bytes > 0; --bytes) {
+    next = ByteBefore(begin, next);
+  }
+  if (next != begin) state.byteInHand = *ByteBefore(begin, next);
+  state.offset = static_cast<gr_uint64>(next - record.data());
+  state.phase = static_cast<gr_uint8>((0u - window.count()) % 8);
+}
 
 /// Writes the cells of a step.
 HWY_INLINE void WriteCells(const gr_uint64* cells, gr_int32* out) {
@@ -107,54 +108,66 @@ HWY_INLINE void WriteCells(const gr_uint64* cells, gr_int32* out) {
   }
 }
 
-void Decode(const TG2HuffmanTable& table, std::span<const gr_uint8> record, TG2RestartState& state,
-            gr_int32* cells, size_t count) {
+/// Puts a symbol to its place.
+HWY_INLINE void PutSymbol(gr_uint32 symbol, gr_uint32 extra, gr_int32* cells, size_t& passed) {
+  if (tg2_isLiteral(symbol)) {
+    cells[passed++] = tg2_literalValue(symbol, extra);
+  } else {
+    passed += tg2_runLength(symbol, extra);
+  }
+}
+
+/// Decodes while a bit remains behind what is taken. @return the coefficients passed
+size_t DecodeAhead(const TG2HuffmanTable& table, std::span<const gr_uint8> record,
+                   TG2RestartState& state, gr_int32* cells, size_t passed, size_t count) {
+  constexpr gr_uint32 FULL = 56;  // bits, unless the record has no more that are safe
+  constexpr gr_uint32 STEPS = (FULL - 1) / TG2HuffmanTable::LOOKUP_BITS;  // with one filling
   const gr_uint32* const steps = table.steps();
   const gr_uint64* const stepCells = table.cells();
+  const gr_uint8* const end = record.data() + record.size();
+  Window window(record, state);
+  for (;;) {
+    window.refill(end);
+    const bool isFull = window.count() >= FULL;
+    gr_uint32 left = isFull ? STEPS : 0;
+    for (; left > 0; --left) {
+      const gr_uint64 front = window.bits() >> (64 - TG2HuffmanTable::LOOKUP_BITS);
+      const gr_uint32 step = steps[front];
+      const size_t beforeLast = (step >> TG2HuffmanTable::BEFORE_LAST_SHIFT) & 0xFF;
+      if ((step & TG2HuffmanTable::SPECIAL) != 0 || passed + beforeLast >= count) break;
+      WriteCells(stepCells + front,
+                 cells + passed + (step >> TG2HuffmanTable::BEFORE_LITERAL_SHIFT));
+      passed += (step >> TG2HuffmanTable::PASSED_SHIFT) & 0xFF;
+      window.take(step);
+    }
+    if (isFull && left == 0) continue;
+    if (passed >= count) break;
+    // One symbol by itself.
+    window.refill(end);
+    const TG2HuffmanTable::Code code = table.codeOf(static_cast<gr_uint32>(window.bits() >> 48));
+    const gr_uint32 extraBits = tg2_extraBits(code.symbol);
+    if (code.length == 0 || code.length + extraBits >= window.count()) break;
+    window.take(code.length);
+    const auto extra = static_cast<gr_uint32>((window.bits() >> 48) >> (16 - extraBits));
+    window.take(extraBits);
+    PutSymbol(code.symbol, extra, cells, passed);
+  }
+  MoveTo(window, record, state);
+  return passed;
+}
+
+void Decode(const TG2HuffmanTable& table, std::span<const gr_uint8> record, TG2RestartState& state,
+            gr_int32* cells, size_t count) {
+  TG2BitReader reader(record, state);
   size_t passed = 0;
   while (passed < count) {
     if (state.offset <= record.size()) {
-      Window window(record, state);
-      for (;;) {
-        window.refill();
-        const gr_uint64 front = window.bits() >> (64 - TG2HuffmanTable::LOOKUP_BITS);
-        const gr_uint32 step = steps[front];
-        const size_t beforeLast = (step >> TG2HuffmanTable::BEFORE_LAST_SHIFT) & 0xFF;
-        if ((step & TG2HuffmanTable::SPECIAL) == 0 && passed + beforeLast < count) {
-          if ((step & TG2HuffmanTable::LENGTH_MASK) >= window.count()) break;
-          WriteCells(stepCells + front,
-                     cells + passed + (step >> TG2HuffmanTable::BEFORE_LITERAL_SHIFT));
-          passed += (step >> TG2HuffmanTable::PASSED_SHIFT) & 0xFF;
-          window.take(step & TG2HuffmanTable::LENGTH_MASK);
-        } else {
-          // One symbol by itself.
-          const TG2HuffmanTable::Code code =
-              table.codeOf(static_cast<gr_uint32>(window.bits() >> 48));
-          const gr_uint32 extraBits = tg2_extraBits(code.symbol);
-          if (code.length == 0 || code.length + extraBits >= window.count()) break;
-          const gr_uint64 behind = window.bits() << code.length;
-          const auto extra = static_cast<gr_uint32>((behind >> 48) >> (16 - extraBits));
-          if (tg2_isLiteral(code.symbol)) {
-            cells[passed++] = tg2_literalValue(code.symbol, extra);
-          } else {
-            passed += tg2_runLength(code.symbol, extra);
-          }
-          window.take(code.length + extraBits);
-        }
-        if (passed >= count) break;
-      }
-      window.place(record.data(), state);
+      passed = DecodeAhead(table, record, state, cells, passed, count);
+      if (passed >= count) break;
     }
-    // What is left at a 0xFF or at the end.
-    TG2BitReader reader(record, state);
-    if (passed < count) {
-      const auto [symbol, extra] = reader.readSymbol(table);
-      if (tg2_isLiteral(symbol)) {
-        cells[passed++] = tg2_literalValue(symbol, extra);
-      } else {
-        passed += tg2_runLength(symbol, extra);
-      }
-    }
+    // A symbol at a 0xFF or at the end.
+    const auto [symbol, extra] = reader.readSymbol(table);
+    PutSymbol(symbol, extra, cells, passed);
   }
   state.position += passed;
 }

@@ -89,7 +89,7 @@ class TG2HuffmanSteps {
   }
 
   /// Fills the steps that begin with `sequence`, of which `at` is the first.
-  // It calls itself for one more symbol, which has one bit or more: 12 times at most.
+  // It calls itself for one more symbol, which has one bit or more: 11 times at most.
   // NOLINTNEXTLINE(misc-no-recursion)
   void extend(const Sequence& sequence, gr_uint32 at) {
     const gr_uint32 freeBits = LOOKUP_BITS - sequence.bits;
@@ -135,7 +135,7 @@ TG2HuffmanTable::TG2HuffmanTable(std::span<const gr_uint8, LONGEST_CODE> bits,
     inner[length] = code;
     m_limits[length] = code << (LONGEST_CODE - length);
   }
-  if (!fits || numCodes > MOST_SYMBOLS || huffval.size() < numCodes) {
+  if (!fits || numCodes > MOST_SYMBOLS || huffval.size() != numCodes) {
     throw GRUtilException(TG2_STATUS_DECODING);
   }
   // At each depth the tree's inner nodes are those from the first that isn't a code to the one that

@@ -56,7 +56,7 @@ constexpr gr_uint32 tg2_runLength(gr_uint32 symbol, gr_uint32 extra) {
 
 /// A canonical Huffman code (as ISO/IEC 10918-1, Annex C, makes it), and a table that tells for the
 /// next bits of a record what they decode to, several symbols at once. It takes some microseconds
-/// to build and 48 KiB to hold; it's read-only, so any number of threads may use it.
+/// to build and 24 KiB to hold; it's read-only, so any number of threads may use it.
 class TG2HuffmanTable {
  public:
   static constexpr gr_uint32 LONGEST_CODE = 16;
@@ -65,8 +65,8 @@ class TG2HuffmanTable {
   /// @param bits  how many codes there are of each length, 1 to 16
   /// @param huffval  the symbols in the order of their codes, as many as the sum of `bits`
   /// Throws GRUtilException: 8022 for more than 256 codes, more codes of a length than fit, a tree
-  /// of more than 256 nodes or too few symbols; 8 when memory runs out. A code that leaves branches
-  /// unused is allowed, and one without codes too.
+  /// of more than 256 nodes or another number of symbols; 8 when memory runs out. A code that
+  /// leaves branches unused is allowed, and one without codes too.
   TG2HuffmanTable(std::span<const gr_uint8, LONGEST_CODE> bits, std::span<const gr_uint8> huffval);
 
   // What a step of the table holds:
@@ -78,7 +78,7 @@ class TG2HuffmanTable {
   //   byte: CELLS of them, whose rest is zeros.
   // A step that is SPECIAL holds no cells. It's a symbol with extra bits, whose code's length and
   // number it has, or, with a length of 0, a code longer than LOOKUP_BITS or an unused branch.
-  static constexpr gr_uint32 LOOKUP_BITS = 12;
+  static constexpr gr_uint32 LOOKUP_BITS = 11;
   static constexpr gr_uint32 CELLS = 8;
   static constexpr gr_uint32 LENGTH_MASK = 0x3F;
   static constexpr gr_uint32 SPECIAL = 0x80;
