@@ -2,8 +2,8 @@
 #include <limits>
 #include <type_traits>
 
-#include "gr_lib_tg2kernel/src/decode/tg2_colorConstants.h"
 #include "gr_lib_tg2kernel/src/decode/tg2_convert.h"
+#include "gr_lib_tg2kernel/src/decode/tg2_convertConstants.h"
 
 namespace {
 

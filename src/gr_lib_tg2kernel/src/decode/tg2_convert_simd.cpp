@@ -2,8 +2,8 @@
 
 #include <limits>
 
-#include "gr_lib_tg2kernel/src/decode/tg2_colorConstants.h"
 #include "gr_lib_tg2kernel/src/decode/tg2_convert.h"
+#include "gr_lib_tg2kernel/src/decode/tg2_convertConstants.h"
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "gr_lib_tg2kernel/src/decode/tg2_convert_simd.cpp"

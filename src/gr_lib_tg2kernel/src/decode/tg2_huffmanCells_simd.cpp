@@ -7,13 +7,13 @@
 //
 // Bytes are put there ahead of time, only up to a 0xFF that no 0x00 follows: the rule for what
 // comes then depends on whose bit was the last one before. A step is taken only while a bit
-// remains behind it, so that what needs that rule is left to TG2BitReader.
+// remains behind it, so that what needs that rule is left to TG2HuffmanReader.
 
 #include <bit>
 #include <cstring>
 
-#include "gr_lib_tg2kernel/src/decode/tg2_bitReader.h"
 #include "gr_lib_tg2kernel/src/decode/tg2_huffmanCells.h"
+#include "gr_lib_tg2kernel/src/decode/tg2_huffmanReader.h"
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "gr_lib_tg2kernel/src/decode/tg2_huffmanCells_simd.cpp"
@@ -158,7 +158,7 @@ size_t DecodeAhead(const TG2HuffmanTable& table, std::span<const gr_uint8> recor
 
 void Decode(const TG2HuffmanTable& table, std::span<const gr_uint8> record, TG2RestartState& state,
             gr_int32* cells, size_t count) {
-  TG2BitReader reader(record, state);
+  TG2HuffmanReader reader(record, state);
   size_t passed = 0;
   while (passed < count) {
     if (state.offset <= record.size()) {

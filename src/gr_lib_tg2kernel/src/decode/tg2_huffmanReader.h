@@ -1,5 +1,5 @@
 /// @file
-/// TG2BitReader, the bits of a record one by one, by the format's two rules for a byte 0xFF.
+/// TG2HuffmanReader, the bits of a record one by one, by the format's two rules for a byte 0xFF.
 #pragma once
 
 #include <span>
@@ -14,10 +14,10 @@
 /// 0x00, which both rules skip; they differ on damage, and where the next marker is taken ahead.
 ///
 /// All operations throw GRUtilException(8022) rather than take a byte past the end.
-class TG2BitReader {
+class TG2HuffmanReader {
  public:
   /// @param record  the record's bytes from its marker on, and those behind it that may be read
-  TG2BitReader(std::span<const gr_uint8> record, TG2RestartState& state)
+  TG2HuffmanReader(std::span<const gr_uint8> record, TG2RestartState& state)
       : m_record(record), m_state(state) {}
 
   /// A bit of a code. Behind 0xFF a byte is skipped, whatever it is.
