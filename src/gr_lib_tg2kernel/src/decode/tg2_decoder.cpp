@@ -64,6 +64,7 @@ void TG2Decoder::freeScene() {
   m_next.reset();
   m_overlap.reset();
   m_restartList.clear();
+  m_tables.clear();
   m_pool.clear();
 }
 
@@ -105,14 +106,14 @@ void TG2Decoder::decodeStrip(const TG2Rect& rect, GRISceneBuffer& buffer) {
   m_current.reset();
   if (m_next == nullptr) {
     m_current = TG2Subband::make(m_db, rect, m_level, &m_pool);
-    m_current->decodeAll(m_db, m_level, m_restartList, m_interrupt);
+    m_current->decodeAll(m_db, m_level, m_restartList, m_tables, m_interrupt);
   } else {
     m_current = std::move(m_next);
     if (m_overlap == nullptr) {
-      m_current->decodeAll(m_db, m_level, m_restartList, m_interrupt);
+      m_current->decodeAll(m_db, m_level, m_restartList, m_tables, m_interrupt);
     } else {
       if (const auto rest = TG2Subband::remainder(*m_current, *m_overlap)) {
-        rest->decodeAll(m_db, m_level, m_restartList, m_interrupt);
+        rest->decodeAll(m_db, m_level, m_restartList, m_tables, m_interrupt);
         m_current->merge(*rest);
       }
       m_current->merge(*m_overlap);

@@ -4,6 +4,7 @@
 
 #include <memory>
 
+#include "gr_lib_tg2kernel/src/decode/tg2_huffmanTableCache.h"
 #include "gr_lib_tg2kernel/src/decode/tg2_rect.h"
 #include "gr_lib_tg2kernel/src/decode/tg2_restart.h"
 #include "gr_lib_tg2kernel/src/decode/tg2_subband.h"
@@ -66,6 +67,7 @@ class TG2Decoder {
   TG2Rect m_clippedRect;
   bool m_isRunning = false;  // a scene, for which the index is locked
   TG2RestartList m_restartList;
+  TG2HuffmanTableCache m_tables;
   TG2PlanePool m_pool;  // before the trees, which return their planes to it
   std::unique_ptr<TG2Subband> m_current;
   std::unique_ptr<TG2Subband> m_next;

@@ -54,3 +54,9 @@ const TG2HuffmanTable& TG2HuffmanTableCache::get(
   std::rotate(set.begin(), found, found + 1);
   return set.front()->table;
 }
+
+void TG2HuffmanTableCache::clear() {
+  for (Set& set : m_sets) {
+    for (auto& entry : set) entry.reset();
+  }
+}

@@ -18,6 +18,7 @@ class TG2HuffmanTableCache {
   /// The table of a code, good until the next call. Throws as the table's constructor does.
   const TG2HuffmanTable& get(std::span<const gr_uint8, TG2HuffmanTable::LONGEST_CODE> bits,
                              std::span<const gr_uint8> huffval);
+  void clear();
 
  private:
   static constexpr size_t NUM_SETS = 64;  // a code belongs to one of them, by its hash

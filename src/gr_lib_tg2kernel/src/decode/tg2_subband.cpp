@@ -138,8 +138,8 @@ void TG2Subband::makePlanes(bool clear) {
 }
 
 void TG2Subband::decodeAll(const TG2DBInfo& db, gr_int32 level, TG2RestartList& restartList,
-                           GRIInterruptDelegate* interrupt) {
+                           TG2HuffmanTableCache& tables, GRIInterruptDelegate* interrupt) {
   for (TG2Subband* leaf = getFirstLeaf(); leaf != nullptr; leaf = leaf->getNextLeaf()) {
-    leaf->decodeLeaf(db, level, restartList, interrupt);
+    leaf->decodeLeaf(db, level, restartList, tables, interrupt);
   }
 }

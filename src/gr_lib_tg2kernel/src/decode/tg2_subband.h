@@ -13,6 +13,7 @@
 
 class GRIInterruptDelegate;
 class TG2DBInfo;
+class TG2HuffmanTableCache;
 class TG2RestartList;
 
 using TG2PlanePool = Array2DPool<float>;
@@ -54,14 +55,15 @@ class TG2Subband : public Array2D<float> {
   /// Fills the leaves from the file, one after the other in the order of their indices.
   /// @param level  the decoder's, which is the root's
   /// @param restartList  where records go on that an earlier strip began
+  /// @param tables  keeps the tables of the bands' codes from strip to strip
   /// @param interrupt  is asked around every record; or null
   /// Throws the status of a read that failed; 8021 and 8022 for a bad record; 8040 when
   /// interrupted.
   void decodeAll(const TG2DBInfo& db, gr_int32 level, TG2RestartList& restartList,
-                 GRIInterruptDelegate* interrupt);
+                 TG2HuffmanTableCache& tables, GRIInterruptDelegate* interrupt);
   /// The same for one leaf.
   void decodeLeaf(const TG2DBInfo& db, gr_int32 level, TG2RestartList& restartList,
-                  GRIInterruptDelegate* interrupt);
+                  TG2HuffmanTableCache& tables, GRIInterruptDelegate* interrupt);
 
   /// Makes the planes of all nodes from those of the leaves, and does away with every child as soon
   /// as its parent has its planes.

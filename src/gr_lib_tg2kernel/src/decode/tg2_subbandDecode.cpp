@@ -7,7 +7,7 @@
 #include "gr_lib_tg2kernel/src/decode/tg2_dbInfo.h"
 #include "gr_lib_tg2kernel/src/decode/tg2_dequantizer.h"
 #include "gr_lib_tg2kernel/src/decode/tg2_huffmanDecode.h"
-#include "gr_lib_tg2kernel/src/decode/tg2_huffmanTable.h"
+#include "gr_lib_tg2kernel/src/decode/tg2_huffmanTableCache.h"
 #include "gr_lib_tg2kernel/src/decode/tg2_restart.h"
 #include "gr_lib_tg2kernel/src/decode/tg2_status.h"
 #include "gr_lib_tg2kernel/src/decode/tg2_subband.h"
@@ -38,8 +38,9 @@ class BandDecoder {
 
   /// @param key  names the band; the record's number is filled in
   void decode(const TG2Dequantizer& dequantizer, float step, HDRestartInfo::Key key,
-              TG2RestartList& restartList, GRIInterruptDelegate* interrupt) {
-    const TG2HuffmanTable table(m_band.getBits(), m_band.getHuffval());
+              TG2RestartList& restartList, TG2HuffmanTableCache& tables,
+              GRIInterruptDelegate* interrupt) {
+    const TG2HuffmanTable& table = tables.get(m_band.getBits(), m_band.getHuffval());
     const gr_int64 across = (m_block.getWidth() + m_recordWidth - 1) / m_recordWidth;
     const gr_int64 firstCol = (gr_int64{m_window.x0} - m_block.x0) / m_recordWidth;
     const gr_int64 lastCol = (gr_int64{m_window.x1} - m_block.x0) / m_recordWidth;
@@ -85,7 +86,7 @@ class BandDecoder {
 }  // namespace
 
 void TG2Subband::decodeLeaf(const TG2DBInfo& db, gr_int32 level, TG2RestartList& restartList,
-                            GRIInterruptDelegate* interrupt) {
+                            TG2HuffmanTableCache& tables, GRIInterruptDelegate* interrupt) {
   const auto index = static_cast<gr_uint32>(m_index);
   if (m_window.isEmpty() || index >= db.getNumSubbands()) return;
   TG2SubbandInfo* const subband = db.getSubband(index);
@@ -133,7 +134,8 @@ void TG2Subband::decodeLeaf(const TG2DBInfo& db, gr_int32 level, TG2RestartList&
       const TG2Dequantizer dequantizer(window, hasNoise ? &origin : nullptr);
       const float step = tg2_bandStep(normalizer, m_gain, coded->getBinWidth());
       BandDecoder(*coded, block->getRect(), window, sampleAt(band, window), planes->getStride())
-          .decode(dequantizer, step, {band, block->getIndex(), index, 0}, restartList, interrupt);
+          .decode(dequantizer, step, {band, block->getIndex(), index, 0}, restartList, tables,
+                  interrupt);
     }
     throwIfFailed(blocks.next());
   }
