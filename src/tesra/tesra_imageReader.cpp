@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "filters/gri_mosaicFilter.h"
 #include "gr_lib_utils/include/gr_exception.h"
 #include "gr_lib_utils/include/gr_fileUtils.h"
 #include "gr_lib_utils/include/gr_ioStreamUtils.h"
@@ -49,9 +50,9 @@ GR_STATUS TesraImageReader::initialize(GRIOStreamInf& stream, GRIOStreamInf* wor
 }
 
 GR_STATUS TesraImageReader::finish(GRIOStreamInf* worldStream) {
-  if (m_manager->getNumImages() > 1) return GRI_STATUS_UNSUPPORTED_OPERATION;
   GRIImageStage* stage = nullptr;
-  GR_RETURN_IF_FAILED(m_manager->createImageStage(0, stage));
+  GR_RETURN_IF_FAILED(m_manager->getNumImages() < 2 ? m_manager->createImageStage(0, stage)
+                                                    : createMosaic(stage));
   GRIImageFilter::initialize(stage);
   GR_RETURN_IF_FAILED(setStripHeight(STRIP_HEIGHT));
   for (const TesraImageStageManager::Image& image : m_manager->getImages()) {
@@ -59,6 +60,16 @@ GR_STATUS TesraImageReader::finish(GRIOStreamInf* worldStream) {
     m_locked = m_locked || image.locked;
   }
   if (worldStream != nullptr) applyWorldFile(*worldStream);
+  return GR_STATUS_OK;
+}
+
+/// Shows the images side by side. Opens all of them once, one after the other.
+GR_STATUS TesraImageReader::createMosaic(GRIImageStage*& stage) {
+  GRUtilSmartPointer<GRIMosaicFilter> mosaic(gr_makeUnique<GRIMosaicFilter>().release());
+  if (!mosaic) return GR_STATUS_NO_MEMORY;
+  mosaic->setReleaseClosedTiles(true);
+  GR_RETURN_IF_FAILED(mosaic->initialize(*m_manager, nullptr, true, true));
+  stage = mosaic.detach();
   return GR_STATUS_OK;
 }
 

@@ -11,7 +11,8 @@
 #include "image/tesra_imageReaderInterface.h"
 #include "tesra/tesra_imageStageManager.h"
 
-/// A Tesra file of either generation as one image: a filter over the reader of its image.
+/// A Tesra file of either generation as one image: a filter over the reader of its image, or over
+/// the mosaic of its images.
 class TesraImageReader : public GRIImageFilter, public TesraImageReaderInterface {
  public:
   static constexpr gr_uint32 STRIP_HEIGHT = 64;  // rows, with which every decode starts
@@ -23,7 +24,7 @@ class TesraImageReader : public GRIImageFilter, public TesraImageReaderInterface
   /// @param useWorldFile  whether a world file beside it gives the position; one that is absent or
   ///                      malformed changes nothing
   /// @return 0; 8 for memory; 50613 when the file can't be opened; 3 for a container without an
-  ///         image; 50002 for several images; else the status of TesraImageStageManager
+  ///         image; else the status of TesraImageStageManager, or of GRIMosaicFilter for several
   [[nodiscard]] GR_STATUS initialize(const GRFileSpec& path, bool useWorldFile,
                                      TesraMemoryUsage memoryUsage, TesraStreamUsage streamUsage);
   /// @param stream       as for TesraImageStageManager::initialize
@@ -44,6 +45,7 @@ class TesraImageReader : public GRIImageFilter, public TesraImageReaderInterface
  private:
   GR_STATUS makeManager();
   GR_STATUS finish(GRIOStreamInf* worldStream);
+  GR_STATUS createMosaic(GRIImageStage*& stage);
   void applyWorldFile(GRIOStreamInf& worldStream);
 
   GRUtilSmartPointer<TesraImageStageManager> m_manager;

@@ -85,16 +85,6 @@ TEST(TesraOpenTest, NamesTheFileThatCannotBeOpened) {
   EXPECT_EQ(terminateStatusStrings(), 0u);
 }
 
-TEST(TesraOpenTest, TellsThatSeveralImagesAreNotSupported) {
-  TG3TestImage first = tesra_grayImage(8, 8, 1);
-  TG3TestImage second = first;
-  second.image = 1;
-  TG3Writer writer;
-  writer.addImage(first, tesra_noise(first));
-  writer.addImage(second, tesra_noise(second));
-  EXPECT_EQ(openStatus(writer.bytes()), 50002u);
-}
-
 TEST(TesraOpenTest, ReadsAWrappedImageOfTheOlderGeneration) {
   TG3Writer writer;
   writer.addPacket({.type = 7}, preamble(2, 0, 0, 0));
