@@ -8,13 +8,12 @@
 // WORLD_FILE gives the picture a position, without rotation.
 
 #include <algorithm>
+#include <array>
 #include <cstdio>
 #include <cstdlib>
-#include <fstream>
-#include <iterator>
-#include <string>
 #include <vector>
 
+#include "benchmarks/encode_picture.h"
 #include "tests/support/tg3_writer.h"
 
 namespace {
@@ -25,35 +24,6 @@ constexpr gr_uint32 DEFAULT_BLOCK_SIZE = 64;
 constexpr gr_uint8 COLOR_SPACE_GRAY = 1;
 constexpr gr_uint8 COLOR_SPACE_RGB = 10;
 constexpr gr_uint8 COLOR_TRANSFORM_RGB = 10;  // which gives the smallest files of real imagery
-
-struct Picture {
-  gr_uint32 width = 0;
-  gr_uint32 height = 0;
-  gr_uint32 largest = 0;
-  std::vector<std::vector<gr_int32>> components;
-};
-
-bool readPicture(const char* path, Picture& picture) {
-  std::ifstream file(path, std::ios::binary);
-  std::string magic;
-  file >> magic >> picture.width >> picture.height >> picture.largest;
-  file.get();
-  if (!file || (magic != "P5" && magic != "P6") || picture.largest > 0xFFFF) return false;
-  const size_t numComponents = magic == "P6" ? 3 : 1;
-  const size_t sampleBytes = picture.largest > 0xFF ? 2 : 1;
-  const size_t numPixels = size_t{picture.width} * picture.height;
-  std::vector<char> bytes(numPixels * numComponents * sampleBytes);
-  file.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-  picture.components.assign(numComponents, std::vector<gr_int32>(numPixels));
-  for (size_t i = 0; i < numPixels * numComponents; ++i) {
-    gr_int32 value = 0;
-    for (size_t b = 0; b < sampleBytes; ++b) {
-      value = value * 256 + static_cast<gr_uint8>(bytes[i * sampleBytes + b]);
-    }
-    picture.components[i % numComponents][i / numComponents] = value;
-  }
-  return static_cast<bool>(file);
-}
 
 // Bytes of the planes up to `lastPlane`, each with its record.
 size_t bytesUpTo(const TG3TestSubblock& subblock, gr_uint32 lastPlane) {
@@ -86,12 +56,12 @@ void truncateTo(std::vector<TG3TestSubblock>& subblocks, size_t budget) {
   std::erase_if(subblocks, [](const TG3TestSubblock& subblock) { return subblock.planes.empty(); });
 }
 
-// A world file has x resolution, two rotations, y resolution and the origin, a number a line.
+// Positions with a rotation aren't written.
 bool addPosition(const char* worldFile, const TG3TestImage& image, TG3Writer& writer) {
-  std::ifstream file(worldFile);
-  double xRes = 0, xRotation = 0, yRotation = 0, yRes = 0, x = 0, y = 0;
-  file >> xRes >> xRotation >> yRotation >> yRes >> x >> y;
-  if (!file || xRotation != 0 || yRotation != 0) return false;
+  std::array<double, 6> numbers{};
+  if (!encode_readWorldFile(worldFile, numbers)) return false;
+  const auto [xRes, xRotation, yRotation, yRes, x, y] = numbers;
+  if (xRotation != 0 || yRotation != 0) return false;
   TG3TestGeoref georef;
   georef.geo = {x, y, x + xRes * (image.width - 1), y + yRes * (image.height - 1), xRes, yRes};
   writer.addMetadata(3, 0, image.image, tg3_georefBlock(georef));
@@ -106,8 +76,8 @@ int main(int argc, char** argv) {
                  "usage: encode_tg3 IN.ppm OUT.tsra [BYTES [LEVELS [BLOCK_SIZE [WORLD_FILE]]]]\n");
     return 2;
   }
-  Picture picture;
-  if (!readPicture(argv[1], picture)) {
+  EncodePicture picture;
+  if (!encode_readPicture(argv[1], picture)) {
     std::fprintf(stderr, "encode_tg3: can't read %s\n", argv[1]);
     return 1;
   }
@@ -140,8 +110,5 @@ int main(int argc, char** argv) {
     return 1;
   }
   writer.addPlaneset(image, subblocks);
-  std::ofstream out(argv[2], std::ios::binary);
-  out.write(reinterpret_cast<const char*>(writer.bytes().data()),
-            static_cast<std::streamsize>(writer.bytes().size()));
-  return out ? 0 : 1;
+  return encode_writeFile(argv[2], writer.bytes()) ? 0 : 1;
 }

@@ -1,12 +1,12 @@
 #!/usr/bin/env python3
-"""Times decoding of TG3 pictures through the C interface against opj_decompress.
+"""Times decoding of Tesra pictures of either generation through the C interface against opj_decompress.
 
     tesra_decode_bench.py --host build/release/benchmarks/bench_decode \\
         --pair LOSSLESS.tsra LOSSLESS.jp2 --pair ONE_BPS.tsra ONE_BPS.jp2 [--rounds 9]
 
 Each pair is one picture in both formats, at the same size on disk. What is measured is CPU time
 (user and system) of whole processes, which write their samples to a tmpfs; they run in turn,
-pinned to one core, on one thread. Of the TG3 file a window of 1024 x 1024, in each round at another
+pinned to one core, on one thread. Of the Tesra file a window of 1024 x 1024, in each round at another
 place, and an eighth of the size are timed too, without the time that opening alone takes. Figures are medians; a ratio is the median
 of the ratios of each round.
 """
@@ -35,9 +35,12 @@ def run(command, cpu):
 
 
 def size_of(picture):
-    """Columns and rows, from the header packet behind the preamble of a file with one image."""
+    """Columns and rows: from the header of a TG2 file, or of a TG3 file with one image from the
+    header packet behind the preamble."""
     with open(picture, "rb") as file:
         head = file.read(64)
+    if head[4] < 3:
+        return int.from_bytes(head[15:19], "big"), int.from_bytes(head[19:23], "big")
     layout = head[9]
     widths = [0, 1, 2, 4]
     skip = 2 + widths[layout >> 6] + widths[layout >> 4 & 3]
