@@ -17,7 +17,7 @@ void rotateRows(benchmark::State& state, Rotate rotate) {
   std::vector<gr_int32> rows(3 * COUNT);
   for (gr_int32& value : rows) value = values(random);
   std::vector<gr_int32> work(rows.size());
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     work = rows;
     rotate(work.data(), work.data() + COUNT, work.data() + 2 * COUNT, COUNT);
     benchmark::DoNotOptimize(work.data());

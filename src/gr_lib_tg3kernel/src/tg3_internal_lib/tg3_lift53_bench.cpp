@@ -15,7 +15,7 @@ void levelOfSynthesis(benchmark::State& state) {
   const size_t n = WIDTH / 2;
   std::vector<gr_int32> low(WIDTH, 3), high(WIDTH, -2), heldHigh(WIDTH, 1), heldEven(WIDTH, 7);
   std::vector<gr_int32> odd(WIDTH + 1), scratch(n + 1), out(WIDTH);
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     // Two output rows.
     VERTICAL(low.data(), high.data(), heldHigh.data(), heldEven.data(), odd.data(), WIDTH);
     HORIZONTAL(odd.data(), odd.data() + n + 1, scratch.data(), out.data(), n - 1);
@@ -34,7 +34,7 @@ template <auto CLAMP>
 void clampRow(benchmark::State& state) {
   const std::vector<gr_int32> values(WIDTH, 300);
   std::vector<gr_uint8> samples(WIDTH);
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     CLAMP(values.data(), 0, 255, samples.data(), WIDTH);
     benchmark::DoNotOptimize(samples.data());
   }

@@ -36,7 +36,7 @@ void report(benchmark::State& state, size_t bytes) {
 void decisions(benchmark::State& state) {
   const auto bytes = encodedDecisions(state.range(0));
   GRMQModel model;
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     model.reset();
     GRMQBytes source(bytes);
     GRMQDecoder decoder(source);
@@ -49,7 +49,7 @@ void decisions(benchmark::State& state) {
 
 void decisionsBitByBit(benchmark::State& state) {
   const auto bytes = encodedDecisions(state.range(0));
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     auto contexts = GRMQReferenceDecoder::initialContexts();
     GRMQReferenceDecoder decoder(bytes);
     gr_uint32 sum = 0;

@@ -32,5 +32,6 @@ struct TG3PlaneDesc {
     return gr_uint64{subband} << 56 | gr_uint64{subblock} << 24 | gr_uint64{component} << 8 | plane;
   }
 
+  // NOLINTNEXTLINE(modernize-use-nullptr): the zero is that of the comparison itself
   auto operator<=>(const TG3PlaneDesc&) const = default;
 };

@@ -79,7 +79,7 @@ gr_uint64 OrderingPipe::rowStart(gr_uint32 bandNumber, gr_uint64 blockRow) const
   if (bandNumber > first + 1 && rowsDone < m_bands[bandNumber - 2].rows) row = rowsDone;
 
   const gr_uint64 lowestRow = row;
-  for (gr_uint32 finer = level + 1; finer <= m_levels; ++finer) {
+  for (size_t finer = level + 1; finer <= m_levels; ++finer) {
     const gr_uint64 lowRows = m_bands[4 * finer - 3].rows;
     const gr_uint64 highRows = m_bands[4 * finer - 1].rows;
     row = std::min(2 * row + 3, lowRows);
@@ -89,7 +89,7 @@ gr_uint64 OrderingPipe::rowStart(gr_uint32 bandNumber, gr_uint64 blockRow) const
     }
   }
   row = lowestRow;
-  for (gr_uint32 coarser = level - 1; coarser >= 1 && row > 2; --coarser) {
+  for (size_t coarser = level - 1; coarser >= 1 && row > 2; --coarser) {
     row = (row - 3) >> 1;
     start += ((row + 1) / m_blockSize) * m_perRow[coarser];
     if ((row + 1) % m_blockSize == 0) {

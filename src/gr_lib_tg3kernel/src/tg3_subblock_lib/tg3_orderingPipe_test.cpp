@@ -16,7 +16,7 @@ struct BandSize {
 
 std::vector<BandSize> bandsOf(gr_uint32 levels, gr_uint32 height, gr_uint32 width) {
   std::vector<BandSize> bands(4 * levels + 1);
-  for (gr_uint32 level = levels; level >= 1; --level) {
+  for (size_t level = levels; level >= 1; --level) {
     const gr_uint32 lowRows = (height + 1) / 2, lowColumns = (width + 1) / 2;
     bands[4 * level - 3] = {lowRows, lowColumns};
     bands[4 * level - 2] = {lowRows, width / 2};

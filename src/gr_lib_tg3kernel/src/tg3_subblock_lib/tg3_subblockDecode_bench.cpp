@@ -24,6 +24,7 @@ std::vector<gr_int32> laplacian(size_t count, double mean) {
 
 void decodeSubblocks(benchmark::State& state, gr_uint32 bypassPlanes) {
   constexpr gr_uint32 SIZE = 64;
+  constexpr size_t NUM_SAMPLES = size_t{SIZE} * SIZE;
   constexpr size_t COUNT = 32;  // of subblocks, so that branches aren't learnt by heart
   const TG3LiteralShape shape = tg3_literalShape(3, SIZE, SIZE);
   const auto all = laplacian(COUNT * SIZE * SIZE, static_cast<double>(state.range(0)) / 16);
@@ -31,8 +32,8 @@ void decodeSubblocks(benchmark::State& state, gr_uint32 bypassPlanes) {
   std::vector<std::vector<TG3CodedPlane>> coded(COUNT);
   size_t bytes = 0;
   for (size_t i = 0; i < COUNT; ++i) {
-    const auto* from = all.data() + i * SIZE * SIZE;
-    planes.push_back(tg3_literalEncode(shape, {from, from + SIZE * SIZE}, 31, bypassPlanes));
+    const auto* from = all.data() + i * NUM_SAMPLES;
+    planes.push_back(tg3_literalEncode(shape, {from, from + NUM_SAMPLES}, 31, bypassPlanes));
   }
   for (size_t i = 0; i < COUNT; ++i) {
     for (const TG3LiteralPlane& plane : planes[i]) {
@@ -41,10 +42,10 @@ void decodeSubblocks(benchmark::State& state, gr_uint32 bypassPlanes) {
     }
   }
   SubblockDecode decoder;
-  std::vector<gr_int32> samples(SIZE * SIZE);
+  std::vector<gr_int32> samples(NUM_SAMPLES);
   gr_int32* component = samples.data();
   const TG3SubblockShape asked = {3, SIZE, SIZE, {0, SIZE - 1}, {0, SIZE - 1}};
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     for (const auto& subblock : coded) {
       if (!GR_SUCCESS(decoder.decode(asked, subblock, 32, std::span(&component, 1), SIZE))) {
         state.SkipWithError("decode failed");
