@@ -67,8 +67,8 @@ class TG2SubbandInfo {
   TG2Rect getBlockRect(gr_uint32 index) const;
 
   /// Fetches block `index`, which is below getNumBlocks().
-  /// @param block  receives the block
-  /// @param owned  receives its owner, or null for a block that the subband keeps
+  /// @param block  receives the block, which stays until the next one of this subband is fetched
+  /// @param owned  receives its owner, or null for a block that is the subband's
   /// @return 0; 8101, 8103 or 8106 for a file that is damaged there; 8022 for a bad Huffman table
   ///         or bin width; 8 for memory; on failure both are null
   [[nodiscard]] virtual GR_STATUS getBlock(gr_uint32 index, TG2Block*& block,

@@ -20,6 +20,39 @@ GR_STATUS seekTo(GRIOStreamInf& stream, gr_uint64 position) {
 
 }  // namespace
 
+GR_STATUS TG2RecordBuffer::fetch(gr_uint64 offset, gr_uint64 length, gr_uint64 end,
+                                 std::span<const gr_uint8>& data) {
+  if (offset < m_begin || offset + length > m_begin + m_bytes.size()) {
+    // Twice as much each time, while it turns out to be of use.
+    constexpr gr_uint64 FIRST_AHEAD = 4096;
+    constexpr gr_uint64 MOST_AHEAD = 65536;
+    m_aheadLength = offset == m_nextOffset ? std::clamp(2 * m_aheadLength, FIRST_AHEAD, MOST_AHEAD)
+                                           : gr_uint64{0};
+    GR_RETURN_IF_FAILED(
+        read(offset, length, std::max(length, std::min(m_aheadLength, end - offset))));
+  }
+  m_nextOffset = offset + length - EXTRA_BYTES;
+  data = std::span<const gr_uint8>(m_bytes.span())
+             .subspan(static_cast<size_t>(offset - m_begin), static_cast<size_t>(length));
+  return GR_STATUS_OK;
+}
+
+// Reads `wantedLength` bytes, of which `length` must come.
+GR_STATUS TG2RecordBuffer::read(gr_uint64 offset, gr_uint64 length, gr_uint64 wantedLength) {
+  m_bytes.clear();
+  m_begin = offset;
+  GR_RETURN_IF_FAILED(m_bytes.reserve(wantedLength));
+  GR_RETURN_IF_FAILED(seekTo(m_stream, offset));
+  while (m_bytes.size() < wantedLength) {
+    constexpr gr_uint64 MAX_READ = 0x40000000;
+    const auto step = static_cast<gr_uint32>(std::min(wantedLength - m_bytes.size(), MAX_READ));
+    const gr_uint32 count = m_stream.read(m_bytes.end(), step);
+    m_bytes.extend(count);
+    if (count != step) break;
+  }
+  return m_bytes.size() >= length ? GR_STATUS_OK : TG2_STATUS_READ_ERROR;
+}
+
 GR_STATUS FileBand::initialize(gr_uint64 offset, gr_uint64 end, gr_uint64 streamLength,
                                const TG2Rect& block, Encryption* encryption) {
   if (offset > streamLength) return TG2_STATUS_READ_ERROR;
@@ -51,19 +84,8 @@ gr_uint32 FileBand::getRecordLength(gr_uint32 i) const {
 }
 
 GR_STATUS FileBand::getRecord(gr_uint32 i, std::span<const gr_uint8>& data) {
-  const gr_uint64 length = getRecordLength(i) + EXTRA_BYTES;
-  GR_RETURN_IF_FAILED(m_recordBuffer.reserve(length));
-  GR_RETURN_IF_FAILED(seekTo(m_stream, m_bandData.getRecordOffset(i)));
-  // The length is that of two offsets of 32 bits in a stream that has as many bytes.
-  gr_uint64 count = 0;
-  while (count < length) {
-    constexpr gr_uint64 MAX_READ = 0x40000000;
-    const auto step = static_cast<gr_uint32>(std::min(length - count, MAX_READ));
-    if (m_stream.read(m_recordBuffer.begin() + count, step) != step) return TG2_STATUS_READ_ERROR;
-    count += step;
-  }
-  data = {m_recordBuffer.begin(), static_cast<size_t>(length)};
-  return GR_STATUS_OK;
+  return m_records.fetch(m_bandData.getRecordOffset(i), getRecordLength(i) + EXTRA_BYTES,
+                         m_end + EXTRA_BYTES, data);
 }
 
 GR_STATUS TG2FileSubbandInfo::initialize(const Place& place, gr_uint32 width, gr_uint32 height,
@@ -87,7 +109,8 @@ GR_STATUS TG2FileSubbandInfo::initialize(const Place& place, gr_uint32 width, gr
     if (begin != 0) end = begin;
   }
   GR_RETURN_IF_FAILED(makeGrid(rects.span(), width, height));
-  return cacheBlocks ? m_cache.allocate(place.numBlocks) : GR_STATUS_OK;
+  m_mostKeptBytes = cacheBlocks ? std::max(m_file.length, MOST_KEPT_BYTES) : MOST_KEPT_BYTES;
+  return m_cache.allocate(place.numBlocks);
 }
 
 GR_STATUS TG2FileSubbandInfo::getBlock(gr_uint32 index, TG2Block*& block,
@@ -95,18 +118,38 @@ GR_STATUS TG2FileSubbandInfo::getBlock(gr_uint32 index, TG2Block*& block,
   assert(index < getNumBlocks());
   block = nullptr;
   owned.reset();
-  if (!m_cache.empty() && m_cache[index] != nullptr) {
-    block = m_cache[index].get();
-    return GR_STATUS_OK;
+  if (m_cache[index] == nullptr) {
+    std::unique_ptr<TG2Block> made;
+    gr_uint64 bytes = 0;
+    GR_RETURN_IF_FAILED(readBlock(index, made, bytes));
+    if (bytes > m_mostKeptBytes) {
+      owned = std::move(made);
+      block = owned.get();
+      return GR_STATUS_OK;
+    }
+    GR_RETURN_IF_FAILED(keep(index, std::move(made), bytes));
   }
-  std::unique_ptr<TG2Block> made;
-  GR_RETURN_IF_FAILED(readBlock(index, made));
-  block = made.get();
-  (m_cache.empty() ? owned : m_cache[index]) = std::move(made);
+  block = m_cache[index].get();
   return GR_STATUS_OK;
 }
 
-GR_STATUS TG2FileSubbandInfo::readBlock(gr_uint32 index, std::unique_ptr<TG2Block>& block) {
+GR_STATUS TG2FileSubbandInfo::keep(gr_uint32 index, std::unique_ptr<TG2Block> block,
+                                   gr_uint64 bytes) {
+  if (m_keptBytes + bytes > m_mostKeptBytes) forgetBlocks();
+  GR_RETURN_IF_FAILED(m_kept.append(index));
+  m_cache[index] = std::move(block);
+  m_keptBytes += bytes;
+  return GR_STATUS_OK;
+}
+
+void TG2FileSubbandInfo::forgetBlocks() {
+  for (const gr_uint32 index : m_kept) m_cache[index].reset();
+  m_kept.clear();
+  m_keptBytes = 0;
+}
+
+GR_STATUS TG2FileSubbandInfo::readBlock(gr_uint32 index, std::unique_ptr<TG2Block>& block,
+                                        gr_uint64& bytes) {
   GR_RETURN_IF_FAILED(
       seekTo(m_file.stream, TG2BlockEntry::getPosition(m_tableOffset, index, m_file.numBands)));
   TG2BlockEntry entry;
@@ -115,14 +158,16 @@ GR_STATUS TG2FileSubbandInfo::readBlock(gr_uint32 index, std::unique_ptr<TG2Bloc
   const TG2Rect rect = getBlockRect(index);
   std::unique_ptr<TG2Block> made = gr_makeUnique<TG2Block>(m_file.numBands, index, rect);
   if (made == nullptr) return GR_STATUS_NO_MEMORY;
+  bytes = sizeof(TG2Block);
   for (gr_uint32 band = 0; band < m_file.numBands; ++band) {
     const gr_uint32 offset = entry.getDataOffset(band);
     if (offset == 0) continue;
     const gr_uint32 next = entry.getFirstOffset(band + 1);
-    std::unique_ptr<FileBand> coded = gr_makeUnique<FileBand>(m_file.stream, m_recordBuffer);
+    std::unique_ptr<FileBand> coded = gr_makeUnique<FileBand>(m_file.stream, m_records);
     if (coded == nullptr) return GR_STATUS_NO_MEMORY;
     GR_RETURN_IF_FAILED(coded->initialize(offset, next != 0 ? next : m_blockEnds[index],
                                           m_file.length, rect, m_file.encryption));
+    bytes += sizeof(FileBand) + coded->getNumRecords() * sizeof(gr_uint32);
     made->setBand(band, std::move(coded));
   }
   block = std::move(made);

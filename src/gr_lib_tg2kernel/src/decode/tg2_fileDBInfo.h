@@ -9,12 +9,36 @@
 #include "gr_lib_utils/include/gr_growingArray.h"
 #include "gr_lib_utils/include/gr_ioStream.h"
 
+/// The bytes of records of a subband, fetched ahead where records are asked for in the order of the
+/// file.
+class TG2RecordBuffer {
+ public:
+  /// @param stream  open whenever something is fetched; the caller's
+  explicit TG2RecordBuffer(GRIOStreamInf& stream) : m_stream(stream) {}
+
+  /// Fetches `length` bytes at `offset`.
+  /// @param end   where the bytes end that may be asked for next
+  /// @param data  receives them; they stay until the next call
+  /// @return 0; 8101 when the stream ends early; 8103 when the seek fails; 8 for memory
+  [[nodiscard]] GR_STATUS fetch(gr_uint64 offset, gr_uint64 length, gr_uint64 end,
+                                std::span<const gr_uint8>& data);
+
+ private:
+  GR_STATUS read(gr_uint64 offset, gr_uint64 length, gr_uint64 wantedLength);
+
+  GRIOStreamInf& m_stream;
+  GRGrowingArray<gr_uint8> m_bytes;  // from m_begin on
+  gr_uint64 m_begin = 0;
+  gr_uint64 m_nextOffset = 0;   // where the record behind the last one begins
+  gr_uint64 m_aheadLength = 0;  // bytes to be read at once
+};
+
 /// A band of a block in a file.
 class FileBand final : public TG2Band {
  public:
   /// @param stream  open whenever a record is fetched; the caller's, as is the buffer for records
-  FileBand(GRIOStreamInf& stream, GRGrowingArray<gr_uint8>& recordBuffer)
-      : m_stream(stream), m_recordBuffer(recordBuffer) {}
+  FileBand(GRIOStreamInf& stream, TG2RecordBuffer& records)
+      : m_stream(stream), m_records(records) {}
 
   /// Reads the header and looks through the offsets of the records.
   /// @param offset        where the header stands; the stream is open
@@ -38,7 +62,7 @@ class FileBand final : public TG2Band {
   bool hasGoodRecords(gr_uint64 streamLength) const;
 
   GRIOStreamInf& m_stream;
-  GRGrowingArray<gr_uint8>& m_recordBuffer;
+  TG2RecordBuffer& m_records;
   TG2BandHeader m_bandData;
   gr_uint64 m_end = 0;  // bytes from the start of the file
 };
@@ -61,11 +85,14 @@ class TG2FileSubbandInfo final : public TG2SubbandInfo {
   };
 
   TG2FileSubbandInfo(gr_uint32 subbandIndex, const TG2BlockTableHeader& header, const File& file)
-      : TG2SubbandInfo(subbandIndex, header.noiseOriginX, header.noiseOriginY), m_file(file) {}
+      : TG2SubbandInfo(subbandIndex, header.noiseOriginX, header.noiseOriginY),
+        m_file(file),
+        m_records(file.stream) {}
 
   /// Reads the entries of the blocks.
   /// @param width, height  size of the subband
-  /// @param cacheBlocks    whether blocks are kept once they have been read
+  /// @param cacheBlocks    whether all blocks are kept once they have been read; else only as many
+  ///                       as a row of blocks usually has
   /// @return 0; 8101; 8103; 8106 for blocks that aren't in the subband or on no common grid; 8
   [[nodiscard]] GR_STATUS initialize(const Place& place, gr_uint32 width, gr_uint32 height,
                                      bool cacheBlocks);
@@ -73,14 +100,22 @@ class TG2FileSubbandInfo final : public TG2SubbandInfo {
   GR_STATUS getBlock(gr_uint32 index, TG2Block*& block, std::unique_ptr<TG2Block>& owned) override;
 
  private:
-  GR_STATUS readBlock(gr_uint32 index, std::unique_ptr<TG2Block>& block);
+  GR_STATUS readBlock(gr_uint32 index, std::unique_ptr<TG2Block>& block, gr_uint64& bytes);
+  GR_STATUS keep(gr_uint32 index, std::unique_ptr<TG2Block> block, gr_uint64 bytes);
+  void forgetBlocks();
+
+  static constexpr gr_uint64 MOST_KEPT_BYTES = 0x100000;
 
   File m_file;
   gr_uint64 m_tableOffset = 0;
   // Where each block's last band ends: at the first band of a later block, or with the subband.
   GRArray<gr_uint64> m_blockEnds;
-  GRArray<std::unique_ptr<TG2Block>> m_cache;  // empty, or one for each block
-  GRGrowingArray<gr_uint8> m_recordBuffer;
+  // Strip after strip asks for the same blocks, whose headers would be read each time.
+  GRArray<std::unique_ptr<TG2Block>> m_cache;  // one for each block, null where it isn't kept
+  GRGrowingArray<gr_uint32> m_kept;            // their indexes
+  gr_uint64 m_keptBytes = 0;
+  gr_uint64 m_mostKeptBytes = 0;
+  TG2RecordBuffer m_records;
 };
 
 class TG2FileDBInfo final : public TG2DBInfo {

@@ -219,20 +219,6 @@ TEST(TG2FileDBInfoTest, TakesOneThreeOrFourBands) {
   }
 }
 
-TEST(TG2FileDBInfoTest, KeepsBlocksWhereItIsAskedTo) {
-  const TG2TestImage image = smallImage();
-  const Bytes bytes = tg2_writeBins(image, binsOf(image)).bytes;
-  Index cached(bytes, true);
-  ASSERT_EQ(cached.getBlock(0, 0), GR_STATUS_OK);
-  const TG2Block* const first = cached.block;
-  EXPECT_EQ(cached.owned, nullptr);
-  ASSERT_EQ(cached.getBlock(0, 0), GR_STATUS_OK);
-  EXPECT_EQ(cached.block, first);
-  Index plain(bytes);
-  ASSERT_EQ(plain.getBlock(0, 0), GR_STATUS_OK);
-  EXPECT_EQ(plain.owned.get(), plain.block);
-}
-
 // --- Streams -----------------------------------------------------------------------------------
 
 TEST(TG2FileDBInfoTest, ClosesTheStreamThatItOpenedUnlessItIsToStay) {
@@ -308,6 +294,84 @@ TEST(TG2FileDBInfoTest, ClonesItselfOnAStreamOfItsOwn) {
   ASSERT_EQ(block->getBand(0)->getRecord(0, theirs), GR_STATUS_OK);
   EXPECT_NE(ours.data(), theirs.data());
   EXPECT_TRUE(std::equal(ours.begin(), ours.end(), theirs.begin(), theirs.end()));
+}
+
+// A stream that counts what is read, and fails when it is told to.
+class WatchedStream : public GRIODynamicMemStream {
+ public:
+  explicit WatchedStream(const Bytes& bytes) {
+    EXPECT_EQ(initialize(4096, 1.6F), GR_STATUS_OK);
+    EXPECT_EQ(open(), GR_STATUS_OK);
+    EXPECT_EQ(write(bytes.data(), static_cast<gr_uint32>(bytes.size())), bytes.size());
+  }
+  gr_uint32 read(gr_uint8* buffer, gr_uint32 length) override {
+    ++numReads;
+    return isShort ? 0 : GRIODynamicMemStream::read(buffer, length);
+  }
+  GR_STATUS seek(gr_int64 offset, GRIOSeekDir origin) override {
+    return isStuck ? GR_STATUS_FAILURE : GRIODynamicMemStream::seek(offset, origin);
+  }
+  size_t numReads = 0;
+  bool isShort = false;
+  bool isStuck = false;
+};
+
+// Fetches a block and tells how often the stream was read for it.
+size_t readsForBlock(TG2FileDBInfo& info, WatchedStream& stream, gr_uint32 index) {
+  TG2Block* block = nullptr;
+  std::unique_ptr<TG2Block> owned;
+  stream.numReads = 0;
+  EXPECT_EQ(info.getSubband(0)->getBlock(index, block, owned), GR_STATUS_OK);
+  EXPECT_EQ(block->getIndex(), index);
+  EXPECT_EQ(block->getBand(2)->getNumRecords(), 64u * 64u);
+  return stream.numReads;
+}
+
+TEST(TG2FileDBInfoTest, KeepsTheBlocksOfARowAndAllWhereItIsAskedTo) {
+  TG2TestImage image = smallImage();
+  image.width = 512;
+  image.height = 256;
+  image.numLevels = 0;
+  image.blockWidth = image.blockHeight = 64;
+  image.recordWidth = image.recordHeight = 1;  // 48 KiB of offsets in each block
+  const Bytes bytes = tg2_writeBins(image, binsOf(image)).bytes;
+  for (const bool keepsAll : {false, true}) {
+    WatchedStream stream(bytes);
+    TG2FileDBInfo info(stream, nullptr, true, true, keepsAll);
+    ASSERT_EQ(info.initialize(), GR_STATUS_OK);
+    for (gr_uint32 index = 0; index < 8; ++index) EXPECT_GT(readsForBlock(info, stream, index), 0u);
+    for (gr_uint32 index = 0; index < 8; ++index) EXPECT_EQ(readsForBlock(info, stream, index), 0u);
+    for (gr_uint32 index = 8; index < 32; ++index) readsForBlock(info, stream, index);
+    EXPECT_EQ(readsForBlock(info, stream, 31), 0u);
+    EXPECT_EQ(readsForBlock(info, stream, 0) == 0, keepsAll);
+  }
+}
+
+TEST(TG2FileDBInfoTest, ReadsAheadWhereRecordsAreAskedForInOrder) {
+  TG2TestImage image = smallImage();
+  image.numLevels = 0;
+  image.blockWidth = image.blockHeight = 0;
+  const TG2TestFile file = tg2_writeBins(image, binsOf(image));
+  WatchedStream stream(file.bytes);
+  TG2FileDBInfo info(stream, nullptr, true, true, false);
+  ASSERT_EQ(info.initialize(), GR_STATUS_OK);
+  TG2Block* block = nullptr;
+  std::unique_ptr<TG2Block> owned;
+  ASSERT_EQ(info.getSubband(0)->getBlock(0, block, owned), GR_STATUS_OK);
+  TG2Band& band = *block->getBand(0);
+  const auto fetch = [&](gr_uint32 i) {
+    std::span<const gr_uint8> data;
+    EXPECT_EQ(band.getRecord(i, data), GR_STATUS_OK);
+    const size_t begin = file.layout.bands[0].records[i];
+    EXPECT_EQ(data.size(), band.getRecordLength(i) + 2u);
+    EXPECT_TRUE(
+        std::equal(data.begin(), data.end(), file.bytes.begin() + static_cast<long>(begin)));
+  };
+  stream.numReads = 0;
+  for (gr_uint32 i = 0; i < band.getNumRecords(); ++i) fetch(i);
+  EXPECT_LT(stream.numReads, 5u);
+  for (gr_uint32 i = band.getNumRecords(); i-- > 0;) fetch(i);
+  for (gr_uint32 i = 0; i < band.getNumRecords(); i += 3) fetch(i);
 }
 
 TEST(TG2FileDBInfoTest, LocksOnlyWhereItIsShared) {
@@ -485,22 +549,7 @@ TEST(TG2FileDBInfoTest, RefusesRecordsOutOfOrderOrOutOfTheBand) {
 TEST(TG2FileDBInfoTest, TellsWhenARecordIsNoLongerInTheStream) {
   const TG2TestImage image = smallImage();
   const TG2TestFile file = tg2_writeBins(image, binsOf(image));
-  class ShrinkingStream : public GRIODynamicMemStream {
-   public:
-    gr_uint32 read(gr_uint8* buffer, gr_uint32 length) override {
-      return isShort ? 0 : GRIODynamicMemStream::read(buffer, length);
-    }
-    GR_STATUS seek(gr_int64 offset, GRIOSeekDir origin) override {
-      return isStuck ? GR_STATUS_FAILURE : GRIODynamicMemStream::seek(offset, origin);
-    }
-    bool isShort = false;
-    bool isStuck = false;
-  };
-  ShrinkingStream stream;
-  ASSERT_EQ(stream.initialize(4096, 1.6F), GR_STATUS_OK);
-  ASSERT_EQ(stream.open(), GR_STATUS_OK);
-  ASSERT_EQ(stream.write(file.bytes.data(), static_cast<gr_uint32>(file.bytes.size())),
-            file.bytes.size());
+  WatchedStream stream(file.bytes);
   TG2FileDBInfo info(stream, nullptr, true, true, false);
   ASSERT_EQ(info.initialize(), GR_STATUS_OK);
   TG2Block* block = nullptr;
@@ -512,7 +561,7 @@ TEST(TG2FileDBInfoTest, TellsWhenARecordIsNoLongerInTheStream) {
   stream.isStuck = true;
   EXPECT_EQ(block->getBand(0)->getRecord(0, data), TG2_STATUS_IO_ERROR);
   std::unique_ptr<TG2Block> second;
-  EXPECT_EQ(info.getSubband(0)->getBlock(0, block, second), TG2_STATUS_IO_ERROR);
+  EXPECT_EQ(info.getSubband(0)->getBlock(1, block, second), TG2_STATUS_IO_ERROR);
 }
 
 TEST(TG2FileDBInfoTest, EveryTruncationEndsInAStatusOrAnIndex) {
