@@ -1,6 +1,7 @@
 #include "tests/support/tg3_lockWriter.h"
 
 #include <algorithm>
+#include <memory>
 
 #include "gr_lib_utils/include/gr_encryption.h"
 #include "gr_lib_utils/include/gr_sha1.h"
@@ -115,13 +116,20 @@ std::optional<gr_uint32> tg3_keyOf(const TG3TestLock& lock, const TG3TestImage& 
 
 TG3TestImage tg3_locked(TG3TestImage image, const TG3TestLock& lock) {
   image.isLocked = true;
-  TG3TestImage plain = image;
-  image.cipher = [lock, plain](const TG3TestSubblock& subblock, TG3TestPlane& plane) {
+  // std::function copies what it holds, ciphers can't be.
+  std::vector<std::shared_ptr<Encryption>> ciphers;
+  for (gr_uint32 key = 0; key < lock.numKeys(); ++key) {
+    ciphers.push_back(std::make_shared<Encryption>());
+    // Of some bad locks nothing can be a key; their planes stay plain.
+    const std::vector<gr_uint8> contentKey = lock.contentKey(key);
+    if (Encryption::checkKey(contentKey.size()) == Encryption::KEY_OK) {
+      ciphers.back()->setKey(contentKey);
+    }
+  }
+  image.cipher = [lock, plain = image, ciphers](const TG3TestSubblock& subblock,
+                                                TG3TestPlane& plane) {
     const auto key = tg3_keyOf(lock, plain, subblock.subband, subblock.subblock);
-    if (!key) return;
-    Encryption encryption;
-    encryption.setKey(lock.contentKey(*key));
-    encryption.encrypt(plane.bytes);
+    if (key) ciphers[*key]->encrypt(plane.bytes);
   };
   return image;
 }
