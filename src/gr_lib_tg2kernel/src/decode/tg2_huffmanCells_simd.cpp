@@ -26,7 +26,8 @@ namespace tg2_huffmanCells_simd {
 namespace HWY_NAMESPACE {
 namespace hn = hwy::HWY_NAMESPACE;
 
-/// The bits of a record that come next. Kept in registers: a copy of it goes to what isn't inlined.
+/// The bits of a record that come next. Kept in registers: nothing that isn't inlined takes its
+/// address.
 class Window {
  public:
   Window(std::span<const gr_uint8> record, const TG2RestartState& state)
@@ -54,7 +55,10 @@ class Window {
         return;
       }
     }
-    *this = refilledByBytes(*this, end);
+    const Refilled refilled = refillByBytes(m_next, end, m_bits, m_count);
+    m_bits = refilled.bits;
+    m_next += refilled.bytes;
+    m_count = refilled.count;
   }
 
   /// Takes bits whose number are the lowest 6 of `length`, fewer than count().
@@ -64,15 +68,23 @@ class Window {
   }
 
  private:
-  HWY_NOINLINE static Window refilledByBytes(Window window, const gr_uint8* end) {
-    while (window.m_count < 56 && window.m_next != end) {
-      const gr_uint8 byte = *window.m_next;
-      if (byte == 0xFF && (end - window.m_next < 2 || window.m_next[1] != 0)) break;
-      window.m_bits |= gr_uint64{byte} << (56 - window.m_count);
-      window.m_next += byte == 0xFF ? 2 : 1;
-      window.m_count += 8;
+  /// Small enough to come back in registers.
+  struct Refilled {
+    gr_uint64 bits;
+    gr_uint32 bytes;
+    gr_uint32 count;
+  };
+  HWY_NOINLINE static Refilled refillByBytes(const gr_uint8* next, const gr_uint8* end,
+                                             gr_uint64 bits, gr_uint32 count) {
+    const gr_uint8* const begin = next;
+    while (count < 56 && next != end) {
+      const gr_uint8 byte = *next;
+      if (byte == 0xFF && (end - next < 2 || next[1] != 0)) break;
+      bits |= gr_uint64{byte} << (56 - count);
+      next += byte == 0xFF ? 2 : 1;
+      count += 8;
     }
-    return window;
+    return {bits, static_cast<gr_uint32>(next - begin), count};
   }
 
   const gr_uint8* m_next;
@@ -87,7 +99,7 @@ const gr_uint8* ByteBefore(const gr_uint8* begin, const gr_uint8* next) {
 }
 
 /// Moves a place to the next bit of a window that began there.
-void MoveTo(const Window& window, std::span<const gr_uint8> record, TG2RestartState& state) {
+void MoveTo(Window window, std::span<const gr_uint8> record, TG2RestartState& state) {
   const gr_uint8* const begin = record.data() + state.offset;
   const gr_uint8* next = window.next();
   for (gr_uint32 bytes = (window.count() - 1) / 8; bytes > 0; --bytes) {
@@ -144,7 +156,9 @@ size_t DecodeAhead(const TG2HuffmanTable& table, std::span<const gr_uint8> recor
     if (passed >= count) break;
     // One symbol by itself.
     window.refill(end);
-    const TG2HuffmanTable::Code code = table.codeOf(static_cast<gr_uint32>(window.bits() >> 48));
+    const gr_uint32 step = steps[window.bits() >> (64 - TG2HuffmanTable::LOOKUP_BITS)];
+    const TG2HuffmanTable::Code code =
+        table.codeOf(step, static_cast<gr_uint32>(window.bits() >> 48));
     const gr_uint32 extraBits = tg2_extraBits(code.symbol);
     if (code.length == 0 || code.length + extraBits >= window.count()) break;
     window.take(code.length);

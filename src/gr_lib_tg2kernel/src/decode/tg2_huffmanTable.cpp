@@ -16,105 +16,120 @@ constexpr gr_uint32 MOST_PASSED = 255;
 /// Fills the steps of a table: tries every sequence of symbols that fits into the bits of a step.
 class TG2HuffmanSteps {
  public:
-  TG2HuffmanSteps(TG2HuffmanTable& table, gr_uint32 numCodes) : m_table(table) {
+  TG2HuffmanSteps(TG2HuffmanTable& table, gr_uint32 numCodes)
+      : m_steps(table.m_steps.data()), m_cells(table.m_cells.data()) {
     gr_uint32 index = 0;
     for (gr_uint32 length = 1; length <= LOOKUP_BITS; ++length) {
-      while (index < numCodes && table.isCode(codeAt(index, length), length)) {
-        m_lengths[index++] = static_cast<gr_uint8>(length);
+      for (; index < numCodes && table.isCode(index - table.m_offsets[length], length); ++index) {
+        const gr_uint32 symbol = table.m_symbols[index];
+        const bool literal = tg2_isLiteral(symbol);
+        m_codes[index] = {length,
+                          symbol,
+                          literal ? 1 : tg2_runLength(symbol, 0),
+                          static_cast<gr_uint8>(tg2_literalValue(symbol, 0)),
+                          literal,
+                          tg2_extraBits(symbol) != 0};
       }
     }
-    m_numShort = index;
+    m_numCodes = index;
   }
 
   void fill() {
     gr_uint32 at = 0;
-    for (gr_uint32 i = 0; i < m_numShort; ++i) {
-      const gr_uint32 length = m_lengths[i];
-      const gr_uint32 symbol = m_table.m_symbols[i];
+    for (gr_uint32 i = 0; i < m_numCodes; ++i) {
+      const ShortCode& code = m_codes[i];
+      const gr_uint32 freeBits = LOOKUP_BITS - code.length;
       Sequence sequence;
-      if (tg2_extraBits(symbol) != 0) {
-        store(at, LOOKUP_BITS - length,
-              length | TG2HuffmanTable::SPECIAL | symbol << TG2HuffmanTable::PASSED_SHIFT, 0);
-      } else if (append(sequence, symbol, length)) {
+      if (append(sequence, code)) {
         extend(sequence, at);
+      } else {
+        store(at, 1u << freeBits,
+              code.length | TG2HuffmanTable::SPECIAL | code.symbol << TG2HuffmanTable::PASSED_SHIFT,
+              0);
       }
-      at += 1u << (LOOKUP_BITS - length);
+      at += 1u << freeBits;
     }
-    const auto rest = m_table.m_steps.span().subspan(at);
-    std::ranges::fill(rest, TG2HuffmanTable::SPECIAL);
-    std::ranges::fill(m_table.m_cells.span().subspan(at), 0);
+    store(at, (1u << LOOKUP_BITS) - at, TG2HuffmanTable::SPECIAL, 0);
   }
 
  private:
+  /// A code of LOOKUP_BITS bits or less.
+  struct ShortCode {
+    gr_uint32 length;
+    gr_uint32 symbol;
+    gr_uint32 passes;  ///< coefficients
+    gr_uint8 cell;     ///< of a literal
+    bool isLiteral;
+    bool hasExtraBits;
+  };
+
   struct Sequence {
     gr_uint64 cells = 0;
     gr_uint32 bits = 0;
     gr_uint32 passed = 0;
     gr_uint32 beforeLast = 0;
-    gr_uint32 beforeLiteral = 0;
-    bool hasLiteral = false;
-  };
+    gr_uint32 beforeLiteral = NO_LITERAL;
 
-  gr_uint32 codeAt(gr_uint32 index, gr_uint32 length) const {
-    return index - m_table.m_offsets[length];
-  }
+    gr_uint32 step() const {
+      return bits | passed << TG2HuffmanTable::PASSED_SHIFT |
+             beforeLast << TG2HuffmanTable::BEFORE_LAST_SHIFT |
+             (beforeLiteral == NO_LITERAL ? 0
+                                          : beforeLiteral << TG2HuffmanTable::BEFORE_LITERAL_SHIFT);
+    }
+  };
+  static constexpr gr_uint32 NO_LITERAL = 0xFFFFFFFF;
 
   /// Puts a symbol behind the others, unless one step can't hold them all.
-  static bool append(Sequence& sequence, gr_uint32 symbol, gr_uint32 length) {
-    if (symbol <= TG2_LONGEST_SHORT_RUN) {
-      if (sequence.passed + symbol > MOST_PASSED) return false;
-      sequence.beforeLast = sequence.passed;
-      sequence.passed += symbol;
-    } else {
-      if (sequence.passed == MOST_PASSED) return false;
-      if (!sequence.hasLiteral) {
-        sequence.beforeLiteral = sequence.passed;
-        sequence.hasLiteral = true;
-      }
-      const gr_uint32 cell = sequence.passed - sequence.beforeLiteral;
+  static bool append(Sequence& sequence, const ShortCode& code) {
+    if (code.hasExtraBits || sequence.passed + code.passes > MOST_PASSED) return false;
+    if (code.isLiteral) {
+      const gr_uint32 first =
+          sequence.beforeLiteral == NO_LITERAL ? sequence.passed : sequence.beforeLiteral;
+      const gr_uint32 cell = sequence.passed - first;
       if (cell >= TG2HuffmanTable::CELLS) return false;
-      const gr_int32 value = tg2_literalValue(symbol, 0);
-      sequence.cells |= gr_uint64{static_cast<gr_uint8>(value)} << (8 * cell);
-      sequence.beforeLast = sequence.passed;
-      ++sequence.passed;
+      sequence.beforeLiteral = first;
+      sequence.cells |= gr_uint64{code.cell} << (8 * cell);
     }
-    sequence.bits += length;
+    sequence.beforeLast = sequence.passed;
+    sequence.passed += code.passes;
+    sequence.bits += code.length;
     return true;
   }
 
-  void store(gr_uint32 at, gr_uint32 freeBits, gr_uint32 step, gr_uint64 cells) {
-    const size_t count = size_t{1} << freeBits;
-    std::fill_n(m_table.m_steps.data() + at, count, step);
-    std::fill_n(m_table.m_cells.data() + at, count, cells);
+  void store(gr_uint32 at, gr_uint32 count, gr_uint32 step, gr_uint64 cells) {
+    for (gr_uint32 end = at + count; at < end; ++at) {
+      m_steps[at] = step;
+      m_cells[at] = cells;
+    }
   }
 
   /// Fills the steps that begin with `sequence`, of which `at` is the first.
-  // It calls itself for one more symbol, which has one bit or more: 11 times at most.
+  // It calls itself for one more symbol, which has one bit or more: LOOKUP_BITS times at most.
   // NOLINTNEXTLINE(misc-no-recursion)
   void extend(const Sequence& sequence, gr_uint32 at) {
     const gr_uint32 freeBits = LOOKUP_BITS - sequence.bits;
     const gr_uint32 end = at + (1u << freeBits);
-    const gr_uint32 own = sequence.bits | sequence.passed << TG2HuffmanTable::PASSED_SHIFT |
-                          sequence.beforeLast << TG2HuffmanTable::BEFORE_LAST_SHIFT |
-                          sequence.beforeLiteral << TG2HuffmanTable::BEFORE_LITERAL_SHIFT;
-    for (gr_uint32 i = 0; i < m_numShort && m_lengths[i] <= freeBits; ++i) {
-      const gr_uint32 size = 1u << (freeBits - m_lengths[i]);
-      const gr_uint32 symbol = m_table.m_symbols[i];
+    const gr_uint32 own = sequence.step();
+    for (gr_uint32 i = 0; i < m_numCodes && m_codes[i].length <= freeBits; ++i) {
+      const ShortCode& code = m_codes[i];
+      const gr_uint32 size = 1u << (freeBits - code.length);
       Sequence longer = sequence;
-      if (tg2_extraBits(symbol) == 0 && append(longer, symbol, m_lengths[i])) {
-        extend(longer, at);
+      if (!append(longer, code)) {
+        store(at, size, own, sequence.cells);
+      } else if (code.length + m_codes[0].length > freeBits) {
+        store(at, size, longer.step(), longer.cells);
       } else {
-        store(at, freeBits - m_lengths[i], own, sequence.cells);
+        extend(longer, at);
       }
       at += size;
     }
-    std::fill_n(m_table.m_steps.data() + at, end - at, own);
-    std::fill_n(m_table.m_cells.data() + at, end - at, sequence.cells);
+    store(at, end - at, own, sequence.cells);
   }
 
-  TG2HuffmanTable& m_table;
-  gr_uint32 m_numShort = 0;  ///< codes of LOOKUP_BITS bits or less
-  std::array<gr_uint8, TG2HuffmanTable::MOST_SYMBOLS> m_lengths{};
+  gr_uint32* m_steps;
+  gr_uint64* m_cells;
+  gr_uint32 m_numCodes = 0;
+  std::array<ShortCode, TG2HuffmanTable::MOST_SYMBOLS> m_codes;  // NOLINT(*-member-init)
 };
 
 TG2HuffmanTable::TG2HuffmanTable(std::span<const gr_uint8, LONGEST_CODE> bits,

@@ -95,11 +95,13 @@ class TG2HuffmanTable {
     gr_uint32 symbol;
   };
   /// The code at the front of the next 16 bits.
-  Code codeOf(gr_uint32 next16) const {
-    for (gr_uint32 length = m_shortest; length <= LONGEST_CODE; ++length) {
-      if (next16 < m_limits[length]) return {length, symbolAt(next16, length)};
-    }
-    return {0, 0};
+  Code codeOf(gr_uint32 next16) const { return codeFrom(m_shortest, next16); }
+  /// The same with the step for these bits.
+  Code codeOf(gr_uint32 step, gr_uint32 next16) const {
+    if ((step & SPECIAL) == 0) return codeFrom(m_shortest, next16);
+    const gr_uint32 length = step & LENGTH_MASK;
+    if (length != 0) return {length, step >> PASSED_SHIFT};
+    return codeFrom(LOOKUP_BITS + 1, next16);
   }
   /// Whether `code`, of `length` bits and without a shorter code at its front, is one.
   bool isCode(gr_uint32 code, gr_uint32 length) const {
@@ -112,6 +114,13 @@ class TG2HuffmanTable {
 
  private:
   friend class TG2HuffmanSteps;
+
+  Code codeFrom(gr_uint32 length, gr_uint32 next16) const {
+    for (; length <= LONGEST_CODE; ++length) {
+      if (next16 < m_limits[length]) return {length, symbolAt(next16, length)};
+    }
+    return {0, 0};
+  }
 
   std::array<gr_uint8, MOST_SYMBOLS> m_symbols{};
   /// By length: the end of the codes of up to this length, as 16 bits; 65536 when all are used.
