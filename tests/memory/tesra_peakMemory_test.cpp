@@ -1,50 +1,22 @@
 #include <gri_rdk_cdll.h>
 #include <gtest/gtest.h>
 #include <stdlib.h>
-#include <sys/resource.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
-#include <functional>
 #include <iostream>
 #include <random>
 #include <string>
 #include <vector>
 
+#include "tests/support/own_process.h"
 #include "tests/support/tg3_writer.h"
 
 namespace {
 
 constexpr gr_uint32 SIZE = 30000;      // columns and rows
 constexpr long LIMIT_KIB = 64 * 1024;  // above the caller's buffer
-
-/// The most that the process has had in memory so far, in KiB.
-long peakKib() {
-  rusage usage = {};
-  getrusage(RUSAGE_SELF, &usage);
-  return usage.ru_maxrss;
-}
-
-/// What `work` gives in a process of its own, whose peak nothing else has raised.
-long inOwnProcess(const std::function<long()>& work) {
-  int ends[2] = {};
-  if (pipe(ends) != 0) return -1;
-  const pid_t child = fork();
-  if (child == 0) {
-    const long result = work();
-    const bool isWritten = write(ends[1], &result, sizeof(result)) == sizeof(result);
-    _exit(isWritten ? 0 : 1);
-  }
-  close(ends[1]);
-  long result = -1;
-  if (read(ends[0], &result, sizeof(result)) != sizeof(result)) result = -1;
-  close(ends[0]);
-  waitpid(child, nullptr, 0);
-  return result;
-}
 
 TG3TestImage pictureOfSubblocks() {
   TG3TestImage image;
@@ -100,7 +72,7 @@ long memoryOfDecode(const std::string& path, const char* model, gr_uint32 stripR
   setenv("GR_TG3_MEMORY_MODEL", model, 1);
   std::vector<gr_uint8> strip(std::size_t{SIZE} * stripRows, 1);
   void* bands[] = {strip.data()};
-  const long before = peakKib();
+  const long before = process_peakKib();
   gric_image image = nullptr;
   const GR_STATUS opened = gric_openTesraImageFile(&image, path.c_str());
   if (opened != 0) return -static_cast<long>(opened);
@@ -112,7 +84,7 @@ long memoryOfDecode(const std::string& path, const char* model, gr_uint32 stripR
     row = mustSkip ? SIZE - 300 : row + numRows;
   }
   gric_closeImage(image);
-  return peakKib() - before;
+  return process_peakKib() - before;
 }
 
 class TesraPeakMemoryTest : public testing::Test {
@@ -121,13 +93,13 @@ class TesraPeakMemoryTest : public testing::Test {
     m_directory = std::filesystem::temp_directory_path() / "tesra_peakMemory.XXXXXX";
     ASSERT_NE(mkdtemp(m_directory.data()), nullptr);
     m_path = m_directory + "/picture.tsra";
-    ASSERT_EQ(inOwnProcess([&] { return writePicture(m_path); }), 0);
+    ASSERT_EQ(process_runApart([&] { return writePicture(m_path); }), 0);
   }
   void TearDown() override { std::filesystem::remove_all(m_directory); }
 
   long measure(const char* model, gr_uint32 stripRows, Rows rows) {
     const long memory =
-        inOwnProcess([&] { return memoryOfDecode(m_path, model, stripRows, rows); });
+        process_runApart([&] { return memoryOfDecode(m_path, model, stripRows, rows); });
     std::cout << model << " index, strips of " << stripRows << " rows: " << memory
               << " KiB above the caller's buffer\n";
     return memory;

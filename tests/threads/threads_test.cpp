@@ -55,6 +55,7 @@ TEST(ThreadsTest, ImagesOfOneFileAreDecodedSideBySide) {
     const char* path;
   };
   for (const Sample& sample : {Sample{gric_openTesraImageFile, GRI_DATA "/sample.tsra"},
+                               Sample{gric_openTesraImageFile, GRI_DATA "/sample_tg2.tsra"},
                                Sample{gric_openNITFImageFile, GRI_DATA "/sample.ntf"}}) {
     SCOPED_TRACE(sample.path);
     const std::vector<Planes> expected = decodeAlone(sample.open, sample.path);
