@@ -20,6 +20,14 @@ const char* ownWords(GR_STATUS status) {
 
 }  // namespace
 
+bool GRIHostError::isOfLock() const {
+  constexpr GR_STATUS TG3_SECURITY = 2011;
+  constexpr GR_STATUS NO_KEY = 4005;
+  constexpr GR_STATUS WRONG_KEY = 4006;
+  constexpr GR_STATUS INVALID_KEY = 4009;
+  return status == TG3_SECURITY || status == NO_KEY || status == WRONG_KEY || status == INVALID_KEY;
+}
+
 GRIHostError gri_hostErrorOf(GR_STATUS status) {
   if (status == GRIC_STATUS_OK) return {};
   if (const char* words = ownWords(status)) return {status, words};

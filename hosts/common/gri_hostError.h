@@ -22,6 +22,8 @@ struct GRIHostError {
   std::string text;  // for people; without the number
 
   explicit operator bool() const { return status != GRIC_STATUS_OK; }
+  /// Whether what fails is a password: there is none, or it doesn't fit.
+  bool isOfLock() const;
 };
 
 /// The error of a status that the library has just returned, with the library's words; in words of

@@ -142,13 +142,17 @@ void GRIHostImage::readPosition() {
   if (isStated || !isDefaultPosition(position, m_info)) m_info.position = position;
 }
 
-GRIHostError GRIHostImage::setPassword(const std::string& password) {
+GRIHostError GRIHostImage::setPassword(const char* password) {
   // The library takes the handle for a Tesra one.
   if (m_info.content.format != GRIHostFormat::TESRA) {
     return gri_hostErrorOf(GRI_HOST_STATUS_OPERATION);
   }
   return gri_hostErrorOf(
-      gri_hostStatusOf([&] { return gric_setTesraPassword(m_handle.get(), password.c_str()); }));
+      gri_hostStatusOf([&] { return gric_setTesraPassword(m_handle.get(), password); }));
+}
+
+void GRIHostImage::setPasswordSource(GRIHostPasswordSource source) {
+  m_passwordSource = std::move(source);
 }
 
 GRIHostError GRIHostImage::sizeAt(double magnification, gr_uint32& width, gr_uint32& height) const {
@@ -157,6 +161,23 @@ GRIHostError GRIHostImage::sizeAt(double magnification, gr_uint32& width, gr_uin
 }
 
 GRIHostError GRIHostImage::decode(const GRIHostWindow& window, double magnification, void** bands) {
+  constexpr int MOST_PASSWORDS = 3;
+  GRIHostError error = decodeOnce(window, magnification, bands);
+  for (int i = 0; i < MOST_PASSWORDS && m_passwordSource && m_info.isLocked && error.isOfLock();
+       ++i) {
+    GRIHostPassword password;
+    const bool isGiven = m_passwordSource(i > 0, password);
+    // Nobody likes to be asked for each strip.
+    if (!isGiven || i == MOST_PASSWORDS - 1) m_passwordSource = nullptr;
+    if (!isGiven) break;
+    if (GRIHostError refused = setPassword(password.text())) return refused;
+    error = decodeOnce(window, magnification, bands);
+  }
+  return error;
+}
+
+GRIHostError GRIHostImage::decodeOnce(const GRIHostWindow& window, double magnification,
+                                      void** bands) {
   if (m_info.sampleBytes() == 0) return gri_hostErrorOf(GRI_HOST_STATUS_DATATYPE);
   return gri_hostErrorOf(gri_hostStatusOf([&] {
     return gric_decode(m_handle.get(), window.column, window.row, window.width, window.height,

@@ -10,6 +10,7 @@
 #include "hosts/common/gri_hostError.h"
 #include "hosts/common/gri_hostFormat.h"
 #include "hosts/common/gri_hostMetadata.h"
+#include "hosts/common/gri_hostPassword.h"
 #include "hosts/common/gri_hostPosition.h"
 #include "hosts/common/gri_hostSample.h"
 
@@ -64,12 +65,16 @@ class GRIHostImage {
   const GRIHostImageInfo& info() const { return m_info; }
 
   /// Gives the password of a locked picture. A wrong one is noticed by `decode`.
-  GRIHostError setPassword(const std::string& password);
+  GRIHostError setPassword(const char* password);
+  /// Whom `decode` asks for the password when it comes to something locked; nobody at first. A
+  /// picture may be locked in parts, and what is open needs no password.
+  void setPasswordSource(GRIHostPasswordSource source);
 
   /// The size of the whole picture at a magnification.
   GRIHostError sizeAt(double magnification, gr_uint32& width, gr_uint32& height) const;
 
-  /// Decodes a window.
+  /// Decodes a window. With a password source, what is locked is tried again with up to three
+  /// passwords.
   /// @param window  in pixels at `magnification`, inside the picture
   /// @param bands   one pointer for each band, each to height x width samples of info().dataType,
   ///                row after row without padding. After an error they may be partly written
@@ -87,10 +92,12 @@ class GRIHostImage {
   };
   using Handle = std::unique_ptr<gric_image_s, HandleCloser>;
 
+  GRIHostError decodeOnce(const GRIHostWindow& window, double magnification, void** bands);
   void readInfo();
   void readLevels();
   void readPosition();
 
   Handle m_handle;
   GRIHostImageInfo m_info;
+  GRIHostPasswordSource m_passwordSource;
 };

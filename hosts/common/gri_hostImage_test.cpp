@@ -195,6 +195,68 @@ TEST(GRIHostImageTest, APasswordGoesToTesraPicturesOnly) {
   EXPECT_FALSE(tesra.image.decode({0, 0, 1, 1}, 1, bands));
 }
 
+/// Gives passwords one by one, and keeps what it was asked.
+struct Passwords {
+  std::vector<std::string> left;
+  std::vector<bool> asked = {};
+
+  GRIHostPasswordSource source() {
+    return [this](bool wasWrong, GRIHostPassword& password) {
+      asked.push_back(wasWrong);
+      if (left.empty()) return false;
+      for (const char byte : left.front()) password.append(byte);
+      left.erase(left.begin());
+      return true;
+    };
+  }
+};
+
+GR_STATUS decodeWith(OpenPicture& picture) {
+  std::vector<gr_uint8> samples(1);
+  void* bands[] = {samples.data()};
+  return picture.image.decode({0, 0, 1, 1}, 1, bands).status;
+}
+
+TEST(GRIHostImageTest, ASourceIsAskedForThePasswordWhenItIsNeeded) {
+  Passwords passwords{{"wrong", "secret"}};
+  OpenPicture open({.bands = 1});
+  open.image.setPasswordSource(passwords.source());
+  EXPECT_EQ(decodeWith(open), 0u);
+  EXPECT_TRUE(passwords.asked.empty());
+  OpenPicture locked({.bands = 1, .isLocked = true});
+  locked.image.setPasswordSource(passwords.source());
+  EXPECT_EQ(decodeWith(locked), 0u);
+  EXPECT_EQ(decodeWith(locked), 0u);
+  EXPECT_EQ(passwords.asked, (std::vector<bool>{false, true}));
+}
+
+TEST(GRIHostImageTest, ASourceIsAskedThreeTimesAndThenNoMore) {
+  Passwords passwords{{"a", "b", "c", "secret"}};
+  OpenPicture locked({.bands = 1, .isLocked = true});
+  locked.image.setPasswordSource(passwords.source());
+  EXPECT_EQ(decodeWith(locked), 2011u);
+  EXPECT_EQ(decodeWith(locked), 2011u);
+  EXPECT_EQ(passwords.asked, (std::vector<bool>{false, true, true}));
+}
+
+TEST(GRIHostImageTest, ASourceThatGivesUpIsNotAskedAgain) {
+  Passwords passwords{{"a"}};
+  OpenPicture locked({.bands = 1, .isLocked = true});
+  locked.image.setPasswordSource(passwords.source());
+  EXPECT_EQ(decodeWith(locked), 2011u);
+  EXPECT_EQ(decodeWith(locked), 2011u);
+  EXPECT_EQ(passwords.asked, (std::vector<bool>{false, true}));
+}
+
+TEST(GRIHostImageTest, ASourceIsNotAskedForOtherFailures) {
+  Passwords passwords{{"secret"}};
+  OpenPicture damaged({.bands = 1, .damagedTo = 80, .isLocked = true});
+  ASSERT_FALSE(damaged.image.setPassword("secret"));
+  damaged.image.setPasswordSource(passwords.source());
+  EXPECT_EQ(decodeWith(damaged), 2005u);
+  EXPECT_TRUE(passwords.asked.empty());
+}
+
 TEST(GRIHostImageTest, RecordsAreFoundByNameAndNumber) {
   const OpenPicture open({.hasOddRecords = true});
   GRIHostRecord record;

@@ -12,6 +12,7 @@
 #include "hosts/gri/gri_convertCommand.h"
 #include "hosts/gri/gri_exitCodes.h"
 #include "hosts/gri/gri_infoCommand.h"
+#include "hosts/gri/gri_passwords.h"
 #include "hosts/gri/gri_terminal.h"
 
 namespace {
@@ -33,6 +34,7 @@ constexpr const char* CONVERT_EXAMPLES =
     "  gri convert --bbox 485900 5205630 487000 5206500 a.ntf b.tif a box on the ground\n"
     "  gri convert --mag 1/8 -b 3,2,1 scene.ntf eighth.png          an eighth, bands turned\n"
     "  gri convert -f COG --co COMPRESS=DEFLATE scene.ntf cloud.tif\n"
+    "  gri convert --password-file secret.txt locked.tsr a.png      a locked picture\n"
     "  cat scene.ntf | gri convert -f raw - - | wc -c               through pipes\n"
     "\n"
     "Exit codes: 0 done, 1 could not read or write, 2 wrong use, 3 damaged but partly\n"
@@ -79,6 +81,13 @@ void addConvert(CLI::App& app, GRIConvertOptions& options, std::optional<std::ve
   app.add_option("--co", options.creationOptions, "option of the format: COMPRESS=DEFLATE")
       ->type_name("NAME=VALUE")
       ->allow_extra_args(false);
+  app.add_option("--password", options.password,
+                 "password of a locked picture; asked for on the terminal if not given")
+      ->type_name("TEXT");
+  app.add_option("--password-file", options.passwordFile,
+                 "the first line of this file is the password")
+      ->type_name("FILE")
+      ->excludes("--password");
   app.add_flag("--world-file", options.wantsWorldFile, "write the position beside OUT, too");
   app.add_flag("--keep-going", options.keepGoing,
                "fill what is damaged with no-data instead of stopping");
@@ -147,7 +156,7 @@ int gri_run(int argc, const char* const* argv, std::ostream& out, std::ostream& 
     const bool isUnknown = !first.starts_with('-') && first != info->get_name() &&
                            first != convert->get_name() && first != status->get_name();
     const std::string text = isUnknown ? "there is no command \"" + first + "\"" : e.what();
-    err << "gri: " << text << "\nTry `gri --help`.\n";
+    err << "gri: " << gri_withoutPasswords(text, argc, argv) << "\nTry `gri --help`.\n";
     return GRI_EXIT_USAGE;
   }
   if (*info) return gri_runInfo(files, isJson, gri_terminalAt(STDOUT_FILENO), out, err);

@@ -205,9 +205,37 @@ TEST_F(GRICommandTest, AFailedDecodeLeavesNothingAndTellsTheStatus) {
 }
 
 TEST_F(GRICommandTest, ALockedPictureFailsAndSaysSo) {
-  const Result result = convertFails({.isLocked = true}, "a.png");
+  const Result result = convertFails({.isLocked = true}, "a.png", {"--password", "wrong"});
   EXPECT_EQ(result.exitCode, GRI_EXIT_FAILED);
   EXPECT_NE(result.err.find("the picture is locked by a password"), std::string::npos);
+  EXPECT_EQ(result.err.find("wrong"), std::string::npos);
+}
+
+TEST_F(GRICommandTest, OpensALockedPictureWithThePasswordOrTheFileOfOne) {
+  convert({.isLocked = true}, "a.raw", {"--password", "secret"});
+  std::ofstream(path("word")) << "secret\nand more\n";
+  convert({.isLocked = true}, "b.raw", {"--password-file", path("word")});
+  convert({}, "c.raw", {"--password", "whatever"});
+  EXPECT_EQ(bytesOf("a.raw"), bytesOf("c.raw"));
+  EXPECT_EQ(bytesOf("b.raw"), bytesOf("c.raw"));
+}
+
+TEST_F(GRICommandTest, APasswordFileThatIsNoneIsAnError) {
+  const Result result =
+      convertFails({.isLocked = true}, "a.png", {"--password-file", path("none")});
+  EXPECT_EQ(result.exitCode, GRI_EXIT_FAILED);
+  EXPECT_EQ(result.err, "gri: " + path("none") + ": No such file or directory [50004]\n");
+}
+
+TEST_F(GRICommandTest, AWrongUseNeverRepeatsAPassword) {
+  for (const std::vector<std::string>& arguments :
+       {std::vector<std::string>{"info", "--password", "sesame", path("IN")},
+        {"convert", "--password", "sesame", "--nonsense", "a", "b"},
+        {"convert", "--password=sesame", "--password-file", "f", "a", "b"}}) {
+    const Result result = run(arguments);
+    EXPECT_EQ(result.exitCode, GRI_EXIT_USAGE);
+    EXPECT_EQ((result.out + result.err).find("sesame"), std::string::npos) << result.err;
+  }
 }
 
 TEST_F(GRICommandTest, AnExceptionThatCrossesTheInterfaceIsAnError) {

@@ -14,6 +14,7 @@
 #include "hosts/gri/gri_interrupt.h"
 #include "hosts/gri/gri_outputFile.h"
 #include "hosts/gri/gri_outputFormat.h"
+#include "hosts/gri/gri_passwords.h"
 #include "hosts/gri/gri_progress.h"
 #include "hosts/gri/gri_rawWriter.h"
 
@@ -69,6 +70,7 @@ class Conversion {
 
  private:
   int openInput();
+  int setPassword(GRIHostImage& image);
   GRIHostError resample();
   int write();
   GRIHostError writeFormat();
@@ -139,6 +141,7 @@ int Conversion::openInput() {
   GRIHostError error = image->open(m_input.path());
   if (error) return failed(m_options.input, error);
   if (GRIInterrupt::wasRaised()) return GRIInterrupt::exitCode();
+  if (const int exitCode = setPassword(*image); exitCode != GRI_EXIT_DONE) return exitCode;
   if (const std::string wrong = gri_planConversion(*image, m_options, m_plan); !wrong.empty()) {
     return wrongUse(m_options.input, wrong);
   }
@@ -146,6 +149,25 @@ int Conversion::openInput() {
   if (!m_picture) return failed(m_options.input, error);
   if (m_plan.isResampled) error = resample();
   return error ? failed(m_options.input, error) : GRI_EXIT_DONE;
+}
+
+/// Gives the password that the user gave us; without one, the picture asks when it needs it.
+int Conversion::setPassword(GRIHostImage& image) {
+  GRIHostPassword password(m_options.password.value_or(""));
+  if (m_options.passwordFile) {
+    if (GRIHostError error = gri_readPasswordFile(*m_options.passwordFile, password)) {
+      return failed(*m_options.passwordFile, error);
+    }
+  }
+  if (!image.info().isLocked) return GRI_EXIT_DONE;
+  if (m_options.password || m_options.passwordFile) {
+    const GRIHostError error = image.setPassword(password.text());
+    return error ? failed(m_options.input, error) : GRI_EXIT_DONE;
+  }
+  image.setPasswordSource([this](bool wasWrong, GRIHostPassword& typed) {
+    return gri_askForPassword(m_options.input, wasWrong, typed);
+  });
+  return GRI_EXIT_DONE;
 }
 
 GRIHostError Conversion::resample() {
@@ -183,7 +205,7 @@ int Conversion::write() {
   if (error || GRIInterrupt::wasRaised()) {
     // What the reader says comes first: GDAL only repeats it.
     GRIHostError readError = m_picture->lastError();
-    if (readError && m_picture->info().isLocked) {
+    if (readError.isOfLock() && m_picture->info().isLocked) {
       readError.text = "the picture is locked by a password: " + readError.text;
     }
     if (readError) return failed(m_options.input, readError);

@@ -22,6 +22,8 @@ struct GRIConvertOptions {
   std::vector<int> bands = {};
   std::string format = {};                        // as given; empty: by the name of the output
   std::vector<std::string> creationOptions = {};  // NAME=VALUE
+  std::optional<std::string> password = {};
+  std::optional<std::string> passwordFile = {};
   bool wantsWorldFile = false;
   bool keepGoing = false;
   bool force = false;

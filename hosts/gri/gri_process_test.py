@@ -15,6 +15,7 @@ import signal
 import subprocess
 import sys
 import tempfile
+import termios
 import time
 import unittest
 
@@ -50,6 +51,57 @@ def run_on_terminal(arguments, env=None):
         output += chunk
     os.close(main)
     return process.wait(), output.decode()
+
+
+class Session:
+    """The command in a session of its own, with a terminal that it can ask on."""
+
+    def __init__(self, *arguments, stdout=None):
+        self._main, self.terminal = pty.openpty()
+
+        def take_terminal():
+            os.setsid()
+            os.close(os.open(os.ttyname(self.terminal), os.O_RDWR))  # the first one is taken
+
+        self.process = subprocess.Popen([GRI, *map(str, arguments)], stdin=subprocess.DEVNULL,
+                                        stdout=stdout or subprocess.DEVNULL,
+                                        stderr=subprocess.PIPE, preexec_fn=take_terminal)
+        self.shown = b""
+
+    def __enter__(self):
+        return self
+
+    def __exit__(self, *_):
+        if self.process.poll() is None:
+            self.process.kill()
+        self.process.wait()
+        self.process.stderr.close()
+        os.close(self._main)
+        os.close(self.terminal)
+
+    def wait_for(self, text, seconds=60):
+        """Reads what the terminal shows until `text` comes."""
+        seen = b""
+        while text not in seen:
+            ready, _, _ = select.select([self._main], [], [], seconds)
+            if not ready:
+                raise AssertionError(f"{text} doesn't come, only {seen}")
+            seen += os.read(self._main, 1000)
+        self.shown += seen
+
+    def type(self, text):
+        os.write(self._main, text)
+
+    def echoes(self):
+        return bool(termios.tcgetattr(self.terminal)[3] & termios.ECHO)
+
+    def end(self):
+        """The exit code and the errors, when the command is done."""
+        errors = self.process.communicate(timeout=60)[1]
+        ready, _, _ = select.select([self._main], [], [], 0)
+        if ready:
+            self.shown += os.read(self._main, 10000)
+        return self.process.returncode, errors
 
 
 class ProcessTest(unittest.TestCase):
@@ -180,6 +232,89 @@ class ProcessTest(unittest.TestCase):
         self.assertEqual(process.wait(60), 130)
         process.stdout.close()
         process.stderr.close()
+
+    def lock(self):
+        """A locked picture; the password is "secret"."""
+        picture = self.folder / "locked.tsr"
+        write_picture(picture, isLocked=1)
+        return picture
+
+    def open_bytes(self):
+        return self.run_gri("convert", "-f", "raw", self.small, "-").stdout
+
+    def test_a_password_is_asked_for_without_showing_it(self):
+        target = self.out / "a.raw"
+        with Session("convert", self.lock(), target) as session:
+            session.wait_for(b"locked.tsr: ")
+            self.assertFalse(session.echoes())
+            session.type(b"secret\n")
+            self.assertEqual(session.end(), (0, b""))
+            self.assertTrue(session.echoes())
+            self.assertNotIn(b"secret", session.shown)
+            self.assertEqual(session.shown.count(b"Password of "), 1)
+        self.assertEqual(target.read_bytes(), self.open_bytes())
+
+    def test_a_wrong_password_is_asked_for_again_but_not_for_ever(self):
+        target = self.out / "a.raw"
+        with Session("convert", self.lock(), target) as session:
+            for word in (b"wrong", b"x" * 500, b"secret"):
+                session.wait_for(b"locked.tsr: ")
+                session.type(word + b"\n")
+            self.assertEqual(session.end(), (0, b""))
+            self.assertEqual(session.shown.count(b"That isn't the password."), 2)
+        self.assertEqual(target.read_bytes(), self.open_bytes())
+        target.unlink()
+        with Session("convert", self.lock(), target) as session:
+            for _ in range(3):
+                session.wait_for(b"locked.tsr: ")
+                session.type(b"wrong\n")
+            code, errors = session.end()
+        self.assertEqual(code, 1)
+        self.assertIn(b"the picture is locked by a password", errors)
+        self.assertNotIn(b"wrong", errors)
+        self.assertEqual(list(self.out.iterdir()), [])
+
+    def test_nothing_typed_is_no_password(self):
+        for typed in (b"\n", b"\x04"):
+            with Session("convert", self.lock(), self.out / "a.raw") as session:
+                session.wait_for(b"locked.tsr: ")
+                session.type(typed)
+                self.assertEqual(session.end()[0], 1)
+                self.assertEqual(session.shown.count(b"Password of "), 1)
+
+    def test_an_interrupt_while_asking_leaves_a_terminal_that_echoes(self):
+        with Session("convert", self.lock(), self.out / "a.raw") as session:
+            session.wait_for(b"locked.tsr: ")
+            session.type(b"sec\x03")
+            self.assertEqual(session.end(), (130, b""))
+            self.assertTrue(session.echoes())
+        self.assertEqual(list(self.out.iterdir()), [])
+
+    def test_nobody_is_asked_for_what_is_open_or_given(self):
+        with Session("convert", self.small, self.out / "a.raw") as session:
+            self.assertEqual(session.end(), (0, b""))
+            self.assertEqual(session.shown, b"")
+        for given in (["--password", "wrong"], ["--password", ""]):
+            with Session("convert", *given, self.lock(), self.out / "b.raw") as session:
+                self.assertEqual(session.end()[0], 1)
+                self.assertEqual(session.shown, b"")
+
+    def test_without_a_terminal_a_locked_picture_fails(self):
+        result = self.run_gri("convert", self.lock(), self.out / "a.raw", start_new_session=True)
+        self.assertEqual(result.returncode, 1)
+        self.assertIn(b"the picture is locked by a password", result.stderr)
+        self.assertEqual(list(self.out.iterdir()), [])
+
+    def test_a_password_is_no_longer_among_the_arguments_of_the_process(self):
+        process = subprocess.Popen([GRI, "convert", "--password", "open-sesame", "-f", "raw",
+                                    str(self.large), str(self.out / "a.raw")], env=self.env)
+        while not any(self.out.iterdir()):
+            time.sleep(0.01)
+        arguments = pathlib.Path(f"/proc/{process.pid}/cmdline").read_bytes()
+        process.send_signal(signal.SIGINT)
+        self.assertEqual(process.wait(60), 130)
+        self.assertIn(b"--password", arguments)
+        self.assertNotIn(b"sesame", arguments)
 
     def test_a_full_disk_is_a_failed_write(self):
         limit = MIB

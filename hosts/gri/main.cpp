@@ -1,5 +1,11 @@
 #include <iostream>
 
 #include "hosts/gri/gri_command.h"
+#include "hosts/gri/gri_passwords.h"
 
-int main(int argc, char** argv) { return gri_run(argc, argv, std::cout, std::cerr); }
+int main(int argc, char** argv) {
+  const std::vector<std::string> arguments = gri_takeArguments(argc, argv);
+  std::vector<const char*> pointers;
+  for (const std::string& argument : arguments) pointers.push_back(argument.c_str());
+  return gri_run(argc, pointers.data(), std::cout, std::cerr);
+}

@@ -27,7 +27,11 @@ _gri() {
       COMPREPLY=($(compgen -W 'COMPRESS=DEFLATE COMPRESS=LZW TILED=YES INTERLEAVE=PIXEL' -- "$cur"))
       return
       ;;
-    --size | -b | --bands | --window | --bbox)
+    --password-file)
+      _filedir
+      return
+      ;;
+    --size | -b | --bands | --window | --bbox | --password)
       return
       ;;
   esac
@@ -45,8 +49,8 @@ _gri() {
       ;;
     convert)
       if [[ $cur == -* ]]; then
-        COMPREPLY=($(compgen -W '--window --bbox --mag --size --bands --format --co --world-file
-          --keep-going --force --quiet --help' -- "$cur"))
+        COMPREPLY=($(compgen -W '--window --bbox --mag --size --bands --format --co --password
+          --password-file --world-file --keep-going --force --quiet --help' -- "$cur"))
       else
         _filedir
       fi
