@@ -56,6 +56,10 @@ class GRIMosaicFilter final : public GRIImageReader {
 
   gr_uint32 getNumTiles() const { return m_layout.getNumTiles(); }
   gr_uint32 getNumOpenTiles() const { return m_numOpenTiles; }
+  /// One of those that are open. @param index  below getNumOpenTiles()
+  GRIEmbeddedImage& getOpenTile(gr_uint32 index) const {
+    return *m_slots[m_openTiles[index]].stage;
+  }
   /// A tile in the frame of the mosaic; opens it if it isn't.
   /// @param stage  stays the mosaic's
   /// @return 0; 8 for memory; else the status of the image, a filter or the delegate

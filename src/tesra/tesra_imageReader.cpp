@@ -10,6 +10,23 @@
 #include "gr_lib_utils/include/gr_status.h"
 #include "image/gri_geoCoord.h"
 
+namespace {
+
+// Tells the readers at the end of a chain of stages, as far as they are there.
+void handOver(GRIImageStage* stage, TesraPasswordDelegate* delegate) {
+  if (auto* reader = dynamic_cast<TesraImageReaderInterface*>(stage)) {
+    reader->setPasswordDelegate(delegate);
+  } else if (const auto* mosaic = dynamic_cast<GRIMosaicFilter*>(stage)) {
+    for (gr_uint32 i = 0; i < mosaic->getNumOpenTiles(); ++i) {
+      handOver(&mosaic->getOpenTile(i), delegate);
+    }
+  } else if (const auto* filter = dynamic_cast<GRIImageFilter*>(stage)) {
+    handOver(filter->getPreviousStage(), delegate);
+  }
+}
+
+}  // namespace
+
 // The stage uses the manager, so it goes first.
 TesraImageReader::~TesraImageReader() { GRIImageFilter::initialize(nullptr); }
 
@@ -101,7 +118,5 @@ GR_STATUS TesraImageReader::setPassword(const char* password) {
 void TesraImageReader::setPasswordDelegate(TesraPasswordDelegate* delegate) {
   TesraImageReaderInterface::setPasswordDelegate(delegate);
   if (m_manager) m_manager->setPasswordDelegate(delegate);
-  if (auto* reader = dynamic_cast<TesraImageReaderInterface*>(getPreviousStage())) {
-    reader->setPasswordDelegate(delegate);
-  }
+  handOver(getPreviousStage(), delegate);
 }
