@@ -2,9 +2,10 @@
  * Decodes a window of an image through the C interface and writes its samples raw, band after
  * band: what a benchmark compares, as a whole process, with the decoders of other formats.
  *
- *     bench_decode IMAGE OUT [MAGNIFICATION [X Y WIDTH HEIGHT]]
+ *     bench_decode IMAGE OUT [MAGNIFICATION [X Y WIDTH HEIGHT [X Y]...]]
  *
- * OUT "-" writes nothing. Without a window it decodes the whole image at the magnification.
+ * OUT "-" writes nothing. Without a window it decodes the whole image at the magnification. With
+ * several places it decodes a window at each of them and writes the last.
  */
 #include <stdio.h>
 #include <stdlib.h>
@@ -59,15 +60,15 @@ int main(int argc, char** argv) {
   FILE* out = NULL;
   int i, result = 0;
 
-  if (argc != 3 && argc != 4 && argc != 8) {
-    fprintf(stderr, "usage: bench_decode IMAGE OUT [MAGNIFICATION [X Y WIDTH HEIGHT]]\n");
+  if (argc != 3 && argc != 4 && (argc < 8 || argc % 2 != 0)) {
+    fprintf(stderr, "usage: bench_decode IMAGE OUT [MAGNIFICATION [X Y WIDTH HEIGHT [X Y]...]]\n");
     return 2;
   }
   status = openImage(&image, argv[1]);
   if (status != 0) return fail(argv[1], status);
 
   magnification = argc > 3 ? atof(argv[3]) : 1.0;
-  if (argc == 8) {
+  if (argc >= 8) {
     for (i = 0; i < 4; ++i) window[i] = atof(argv[4 + i]);
   } else {
     status = gric_getDimsAtMag(image, magnification, &width, &height);
@@ -86,6 +87,10 @@ int main(int argc, char** argv) {
   if (bands == NULL) return fail("buffers", GRIC_STATUS_NO_MEMORY);
 
   status = gric_decode(image, window[0], window[1], window[2], window[3], magnification, bands);
+  for (i = 8; i + 1 < argc && status == 0; i += 2) {
+    status = gric_decode(image, atof(argv[i]), atof(argv[i + 1]), window[2], window[3],
+                         magnification, bands);
+  }
   if (status != 0) {
     result = fail("decode", status);
   } else if (strcmp(argv[2], "-") != 0) {

@@ -22,6 +22,6 @@ gr_int64 GRIImageReader::getSceneCost(const GRIScene& scene) const {
 bool GRIImageReader::getClippedScene(const GRIScene& scene, GRIScene& out) const {
   GRINavigator navigator(*this, scene);
   const GR_STATUS status = navigator.setScene(scene, GRI_NAVIGATOR_CLIP);
-  out = navigator;
+  out = static_cast<const GRIScene&>(navigator);
   return GR_SUCCESS(status);
 }
