@@ -1,9 +1,11 @@
 // Lets every single allocation of an operation fail in turn. The operation must then end with a
 // status (or with GRUtilException(8), where a constructor has no other way), and leave nothing.
+#include <gcrypt.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -12,6 +14,8 @@
 #include <string>
 #include <vector>
 
+#include "gr_lib_tg2kernel/src/decode/tg2_status.h"
+#include "gr_lib_utils/include/gr_encryption.h"
 #include "gr_lib_utils/include/gr_exception.h"
 #include "gr_lib_utils/include/gr_fileUtils.h"
 #include "gr_lib_utils/include/gr_ioStreamUtils.h"
@@ -21,6 +25,8 @@
 #include "gri_rdk_cdll.h"
 #include "gri_rdk_cdll/gri_fakeStage.h"
 #include "tests/allocation/failing_new.h"
+#include "tests/support/tg2_lockWriter.h"
+#include "tests/support/tg3_lockWriter.h"
 #include "tests/support/tg3_writer.h"
 
 namespace {
@@ -70,9 +76,16 @@ void expectToSurvive(const std::function<GR_STATUS()>& operation,
   EXPECT_EQ(runOnce(operation, 0).status, GR_STATUS_OK);
 }
 
-void* failingAlloc(size_t bytes) { return failing_new::shallFail() ? nullptr : std::malloc(bytes); }
+// As those of the C library tell that there is no memory.
+void* failingAlloc(size_t bytes) {
+  if (!failing_new::shallFail()) return std::malloc(bytes);
+  errno = ENOMEM;
+  return nullptr;
+}
 void* failingRealloc(void* block, size_t bytes) {
-  return failing_new::shallFail() ? nullptr : std::realloc(block, bytes);
+  if (!failing_new::shallFail()) return std::realloc(block, bytes);
+  errno = ENOMEM;
+  return nullptr;
 }
 
 TEST(AllocationFailureTest, MemoryStreamsReportIt) {
@@ -205,7 +218,9 @@ class TemporaryFile {
 
 /// Opens a picture, decodes its upper left and closes it. Whatever fails, the handle that there is
 /// can be closed. At most 4 bands of at most 16 bits.
-GR_STATUS openDecodeAndClose(GR_STATUS (*open)(gric_image*, const char*), const char* path) {
+/// @param password  of a locked picture; null for none
+GR_STATUS openDecodeAndClose(GR_STATUS (*open)(gric_image*, const char*), const char* path,
+                             const char* password = nullptr) {
   constexpr gr_uint32 SIDE = 80;  // pixels
   struct Handle {
     ~Handle() {
@@ -217,6 +232,7 @@ GR_STATUS openDecodeAndClose(GR_STATUS (*open)(gric_image*, const char*), const 
   std::array<void*, 4> bands{};
   std::transform(planes.begin(), planes.end(), bands.begin(), [](auto& p) { return p.data(); });
   GR_RETURN_IF_FAILED(open(&handle.image, path));
+  if (password != nullptr) GR_RETURN_IF_FAILED(gric_setTesraPassword(handle.image, password));
   return gric_decode(handle.image, 0, 0, SIDE, SIDE, 1.0, bands.data());
 }
 
@@ -234,6 +250,48 @@ TEST(AllocationFailureTest, ATesraImageOpensDecodesAndClosesOrSaysSo) {
   const TemporaryFile file(tesraFile());
   expectToSurvive([&] { return openDecodeAndClose(gric_openTesraImageFile, file.path()); },
                   {GR_STATUS_NO_MEMORY, TG3_STATUS_NO_MEMORY, TESRA_STATUS_CANNOT_OPEN});
+}
+
+int isSecure(const void*) { return 0; }
+
+/// Lets the allocations of libgcrypt fail as well.
+class FailingGcrypt {
+ public:
+  FailingGcrypt() {
+    Encryption().setKey("any");  // its own set-up comes first
+    gcry_set_allocation_handler(failingAlloc, failingAlloc, isSecure, failingRealloc, std::free);
+  }
+  ~FailingGcrypt() {
+    gcry_set_allocation_handler(std::malloc, std::malloc, isSecure, std::realloc, std::free);
+  }
+  FailingGcrypt(const FailingGcrypt&) = delete;
+  FailingGcrypt& operator=(const FailingGcrypt&) = delete;
+};
+
+TEST(AllocationFailureTest, ALockedTesraImageOpensDecodesAndClosesOrSaysSo) {
+  TG3TestImage image;
+  image.width = 80;
+  image.height = 80;
+  image.numLevels = 2;
+  const std::vector<gr_int32> plane(size_t{80} * 80, 7);
+  const TG3TestLock lock = {.kind = 3, .scale = 1, .numLevels = 2, .rectangle = {0, 0, 79, 79}};
+  const TemporaryFile file(tg3_writeLockedImage(image, lock, {plane}));
+  const FailingGcrypt gcrypt;
+  expectToSurvive(
+      [&] { return openDecodeAndClose(gric_openTesraImageFile, file.path(), "sesame"); },
+      {GR_STATUS_NO_MEMORY, TG3_STATUS_NO_MEMORY, TESRA_STATUS_CANNOT_OPEN});
+}
+
+TEST(AllocationFailureTest, ALockedImageOfGeneration2OpensDecodesAndClosesOrSaysSo) {
+  TG2TestImage image;
+  image.width = 80;
+  image.height = 80;
+  const std::vector<float> plane(size_t{80} * 80, 7.0F);
+  const TemporaryFile file(tg2_writeImage(tg2_locked(image), {plane}).bytes);
+  const FailingGcrypt gcrypt;
+  expectToSurvive(
+      [&] { return openDecodeAndClose(gric_openTesraImageFile, file.path(), "sesame"); },
+      {GR_STATUS_NO_MEMORY, TESRA_STATUS_CANNOT_OPEN, TG2_STATUS_READ_ERROR, TG2_STATUS_IO_ERROR});
 }
 
 TEST(AllocationFailureTest, ANitfImageWithAWorldFileOpensDecodesAndClosesOrSaysSo) {

@@ -1,5 +1,7 @@
 #include "tests/allocation/failing_new.h"
 
+#include <malloc.h>
+
 #include <atomic>
 #include <cstdlib>
 #include <new>
@@ -11,6 +13,7 @@ std::atomic<std::size_t> g_tried{0};
 std::atomic<std::size_t> g_failingNumber{0};
 std::atomic<bool> g_failsAllBehind{false};
 std::atomic<std::ptrdiff_t> g_liveBlocks{0};
+std::atomic<failing_new::Watcher> g_watcher{nullptr};
 
 void* allocate(std::size_t size) noexcept {
   if (failing_new::shallFail()) return nullptr;
@@ -35,6 +38,7 @@ void* orThrow(void* block) {
 void giveBack(void* block) noexcept {
   if (block == nullptr) return;
   --g_liveBlocks;
+  if (const failing_new::Watcher watcher = g_watcher) watcher(block, malloc_usable_size(block));
   std::free(block);
 }
 
@@ -54,6 +58,8 @@ Period::~Period() { g_isCounting = false; }
 std::size_t tried() { return g_tried; }
 
 std::ptrdiff_t liveBlocks() { return g_liveBlocks; }
+
+void setWatcher(Watcher watcher) { g_watcher = watcher; }
 
 bool shallFail() {
   if (!g_isCounting) return false;

@@ -27,4 +27,9 @@ std::ptrdiff_t liveBlocks();
 /// For allocators of another kind: whether this allocation is to fail. It counts as one.
 bool shallFail();
 
+/// Sees each block that is given back, while its bytes are still there. Null for nobody.
+/// Blocks of other allocators may be shown to it as well.
+using Watcher = void (*)(const void* block, std::size_t bytes);
+void setWatcher(Watcher watcher);
+
 }  // namespace failing_new
