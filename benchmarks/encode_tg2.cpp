@@ -20,7 +20,7 @@ namespace {
 
 constexpr gr_uint32 DEFAULT_LEVELS = 6;
 constexpr gr_uint32 DEFAULT_BLOCK_SIZE = 512;
-constexpr gr_uint32 DEFAULT_RECORD_SIZE = 64;
+constexpr gr_uint32 DEFAULT_RECORD_SIZE = 32;
 
 TG2TestRecord numbersRecord(const std::string& name, const std::vector<double>& numbers) {
   constexpr gr_uint32 TYPE_DOUBLE = 7;
