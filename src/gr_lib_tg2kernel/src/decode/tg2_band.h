@@ -31,7 +31,8 @@ class TG2Band {
 
   /// Fetches record `i`, which is below getNumRecords().
   /// @param data  receives the bytes, from the record's marker on and with the two bytes behind the
-  ///              record. They stay until the next record of this subband is fetched.
+  ///              record; of a record that is longer than its samples can need only as many as they
+  ///              can. They stay until the next record of this subband is fetched.
   /// @return 0; 8101 when the stream ends early; 8103 when a seek fails; 8 for memory
   [[nodiscard]] virtual GR_STATUS getRecord(gr_uint32 i, std::span<const gr_uint8>& data) = 0;
 

@@ -4,6 +4,7 @@
 #include <cassert>
 
 #include "gr_lib_tg2kernel/src/decode/tg2_status.h"
+#include "gr_lib_utils/include/gr_checkedMath.h"
 #include "gr_lib_utils/include/gr_ioStreamUtils.h"
 #include "gr_lib_utils/include/gr_status.h"
 
@@ -59,6 +60,16 @@ GR_STATUS FileBand::initialize(gr_uint64 offset, gr_uint64 end, gr_uint64 stream
   GR_RETURN_IF_FAILED(seekTo(m_stream, offset));
   GR_RETURN_IF_FAILED(m_bandData.read(m_stream, streamLength - offset, block, encryption));
   m_end = end;
+  // A sample takes 8 bytes at most. Without a limit, any number of blocks of a sample each could
+  // have all of the file as their record.
+  constexpr gr_uint64 MOST_BYTES_PER_SAMPLE = 64;
+  constexpr gr_uint64 MOST_BYTES_BESIDE = 4096;
+  const auto width = std::min<gr_int64>(m_bandData.getRecordWidth(), block.getWidth());
+  const auto height = std::min<gr_int64>(m_bandData.getRecordHeight(), block.getHeight());
+  m_mostRecordBytes = gr_saturatingAdd(
+      gr_saturatingMultiply(static_cast<gr_uint64>(width) * static_cast<gr_uint64>(height),
+                            MOST_BYTES_PER_SAMPLE),
+      MOST_BYTES_BESIDE);
   return hasGoodRecords(streamLength) ? GR_STATUS_OK : TG2_STATUS_READ_ERROR;
 }
 
@@ -84,8 +95,8 @@ gr_uint32 FileBand::getRecordLength(gr_uint32 i) const {
 }
 
 GR_STATUS FileBand::getRecord(gr_uint32 i, std::span<const gr_uint8>& data) {
-  return m_records.fetch(m_bandData.getRecordOffset(i), getRecordLength(i) + EXTRA_BYTES,
-                         m_end + EXTRA_BYTES, data);
+  const gr_uint64 length = std::min(getRecordLength(i) + EXTRA_BYTES, m_mostRecordBytes);
+  return m_records.fetch(m_bandData.getRecordOffset(i), length, m_end + EXTRA_BYTES, data);
 }
 
 GR_STATUS TG2FileSubbandInfo::initialize(const Place& place, gr_uint32 width, gr_uint32 height,

@@ -65,6 +65,7 @@ class FileBand final : public TG2Band {
   TG2RecordBuffer& m_records;
   TG2BandHeader m_bandData;
   gr_uint64 m_end = 0;  // bytes from the start of the file
+  gr_uint64 m_mostRecordBytes = 0;
 };
 
 /// A subband in a file.

@@ -546,6 +546,23 @@ TEST(TG2FileDBInfoTest, RefusesRecordsOutOfOrderOrOutOfTheBand) {
       TG2_STATUS_READ_ERROR);
 }
 
+TEST(TG2FileDBInfoTest, FetchesNoMoreOfALongRecordThanItsSamplesCanNeed) {
+  TG2TestImage image = smallImage();
+  image.numLevels = 0;
+  const TG2TestFile file = tg2_writeBins(image, binsOf(image));
+  // The last band of the file gets everything in front of it as the first of its records.
+  const TG2TestLayout::Band& place = file.layout.bands.back();
+  Bytes bytes = file.bytes;
+  put32(bytes, place.recordOffsets, 8);
+  Index index(bytes);
+  ASSERT_EQ(index.getBlock(0, place.block), GR_STATUS_OK);
+  TG2Band* const band = index.block->getBand(place.band);
+  std::span<const gr_uint8> data;
+  ASSERT_EQ(band->getRecord(0, data), GR_STATUS_OK);
+  EXPECT_GT(band->getRecordLength(0), 7000u);
+  EXPECT_EQ(data.size(), 64u * 4 * 5 + 4096);
+}
+
 TEST(TG2FileDBInfoTest, TellsWhenARecordIsNoLongerInTheStream) {
   const TG2TestImage image = smallImage();
   const TG2TestFile file = tg2_writeBins(image, binsOf(image));
