@@ -71,7 +71,6 @@ void TG2Decoder::freeScene() {
 GR_STATUS TG2Decoder::decodeBegin(const TG2Rect& rect, gr_int32 level, gr_uint32 stripHeight) {
   assert(stripHeight > 0);
   static_cast<void>(decodeEnd());
-  m_rect = rect;
   m_level = level;
   m_stripHeight = stripHeight;
   GR_RETURN_IF_FAILED(m_db.lockIfShared());
@@ -94,11 +93,16 @@ TG2Rect TG2Decoder::stripRect(gr_uint32 strip) const {
 }
 
 GR_STATUS TG2Decoder::decodeStrip(GRISceneBuffer& buffer) {
-  const TG2Rect rect = stripRect(m_currentStrip++);
-  if (rect.isEmpty()) return GR_STATUS_OK;
+  const TG2Rect rect = stripRect(m_currentStrip);
+  if (rect.isEmpty()) {
+    ++m_currentStrip;
+    return GR_STATUS_OK;
+  }
   GR_RETURN_IF_FAILED(m_db.openStream());
   const GR_STATUS status = statusOf([&] { decodeStrip(rect, buffer); });
   const GR_STATUS closeStatus = m_db.closeStream();
+  ++m_currentStrip;
+  if (!GR_SUCCESS(status)) freeScene();  // half a strip is nothing that the next could go on with
   return GR_SUCCESS(status) ? closeStatus : status;
 }
 
@@ -121,7 +125,7 @@ void TG2Decoder::decodeStrip(const TG2Rect& rect, GRISceneBuffer& buffer) {
     }
   }
 
-  const TG2Rect nextRect = stripRect(m_currentStrip);
+  const TG2Rect nextRect = stripRect(m_currentStrip + 1);
   if (!nextRect.isEmpty()) {
     m_next = TG2Subband::make(m_db, nextRect, m_level, &m_pool);
     // Before the synthesis, which does away with the leaves.

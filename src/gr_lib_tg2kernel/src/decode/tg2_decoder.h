@@ -38,7 +38,8 @@ class TG2Decoder {
   [[nodiscard]] GR_STATUS decodeBegin(const TG2Rect& rect, gr_int32 level, gr_uint32 stripHeight);
 
   /// Decodes the next strip into the window of `buffer`, from its upper left corner on. Behind the
-  /// last one nothing happens.
+  /// last one nothing happens. A strip that fails is passed over, unless the stream couldn't be
+  /// opened for it: then it may be tried again.
   /// @param buffer  1, 3 or 4 bands like the image, all of 8 or 16 bits without sign or of single
   ///                precision. Four bands of single precision leave it as it was.
   /// @return 0; the status of what failed: of the stream, of damaged records (8021, 8022, 8101,
@@ -63,7 +64,6 @@ class TG2Decoder {
   gr_uint32 m_stripHeight = 1;
   GRIInterruptDelegate* m_interrupt = nullptr;
   gr_int32 m_level = 0;
-  TG2Rect m_rect;
   TG2Rect m_clippedRect;
   bool m_isRunning = false;  // a scene, for which the index is locked
   TG2RestartList m_restartList;

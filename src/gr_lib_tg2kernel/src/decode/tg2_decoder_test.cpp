@@ -386,6 +386,31 @@ TEST_F(TG2DecoderSceneTest, AnInterruptStopsItAtAnyPoint) {
   ASSERT_NO_FATAL_FAILURE(expectCrop(m_picture, m_whole, ALL, 0, 16));
 }
 
+TEST_F(TG2DecoderSceneTest, TheStripBehindOneThatFailedIsWhole) {
+  TG2Decoder& decoder = m_picture.decoder();
+  const auto expected = bitsOf(tg2_literalSamples(m_whole, {0, 32, 39, 49}));
+  for (int polls = 0;; ++polls) {
+    SCOPED_TRACE(polls);
+    Scene scene = m_picture.sceneFor(ALL);
+    ASSERT_EQ(decoder.decodeBegin(ALL, 0, 16), GR_STATUS_OK);
+    ASSERT_EQ(decoder.decodeStrip(*scene.strip(0, 16)), GR_STATUS_OK);
+    Interrupt interrupt(polls);
+    decoder.setInterrupt(&interrupt);
+    const GR_STATUS status = decoder.decodeStrip(*scene.strip(16, 16));
+    decoder.setInterrupt(nullptr);
+    if (status == GR_STATUS_OK) break;
+    ASSERT_EQ(status, 8040u);
+    ASSERT_EQ(decoder.decodeStrip(*scene.strip(32, 16)), GR_STATUS_OK);
+    ASSERT_EQ(decoder.decodeStrip(*scene.strip(48, 16)), GR_STATUS_OK);
+    const auto actual = bitsOf(scene.samples);
+    for (size_t band = 0; band < actual.size(); ++band) {
+      const auto rows = std::vector(actual[band].begin() + 32 * 40, actual[band].end());
+      ASSERT_EQ(rows, expected[band]) << "band " << band;
+    }
+  }
+  EXPECT_EQ(decoder.decodeEnd(), GR_STATUS_OK);
+}
+
 TEST_F(TG2DecoderSceneTest, OtherExceptionsBecomeStatuses) {
   Interrupt interrupt(10);
   interrupt.throws = 1;
@@ -453,10 +478,12 @@ TEST(TG2DecoderStreamTest, ReportsWhatFailsAroundAStrip) {
   ASSERT_EQ(decoder.decodeBegin(all, 0, 5), GR_STATUS_OK);
   db.openStatus = 12;
   EXPECT_EQ(decoder.decodeStrip(*scene.strip(0, 5)), 12u);
-  EXPECT_EQ(decoder.getCurrentStrip(), 1u);
+  EXPECT_EQ(decoder.getCurrentStrip(), 0u);
   db.openStatus = 0;
+  EXPECT_EQ(decoder.decodeStrip(*scene.strip(0, 5)), GR_STATUS_OK);
   db.closeStatus = 13;
   EXPECT_EQ(decoder.decodeStrip(*scene.strip(5, 5)), 13u);
+  EXPECT_EQ(decoder.getCurrentStrip(), 2u);
   db.unlockStatus = 14;
   EXPECT_EQ(decoder.decodeEnd(), 14u);
 }

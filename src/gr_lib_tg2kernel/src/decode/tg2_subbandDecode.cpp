@@ -57,8 +57,10 @@ class BandDecoder {
         const TG2Rect wanted = record.intersect(m_window);
         float* const out = m_out + static_cast<size_t>(wanted.y0 - m_window.y0) * m_stride +
                            (wanted.x0 - m_window.x0);
-        restartList.update(key, tg2_huffmanDecode(table, data, dequantizer, step, out, m_stride,
-                                                  record, wanted, restartList.find(key)));
+        const auto place = tg2_huffmanDecode(table, data, dequantizer, step, out, m_stride, record,
+                                             wanted, restartList.find(key));
+        // Where only columns are left, no strip below goes on.
+        restartList.update(key, wanted.y1 == record.y1 ? std::nullopt : place);
         poll(interrupt);
       }
     }
