@@ -13,12 +13,16 @@ namespace tg2_dequantize_simd {
 namespace HWY_NAMESPACE {
 namespace hn = hwy::HWY_NAMESPACE;
 
-using D = hn::ScalableTag<float>;
-using V = hn::Vec<D>;
+using Full = hn::ScalableTag<float>;
+// For what is left at the end of a row: records cut by a window are often only a few samples wide.
+using Few = hn::CappedTag<float, 4>;
 
 /// Turns bins into samples; both signs by the same operations, with the sign put to the constants.
+template <class D>
 class Samples {
  public:
+  using V = hn::Vec<D>;
+
   explicit Samples(float step)
       : m_step(hn::Set(D(), step)),
         m_half(hn::Set(D(), step / 2)),
@@ -40,27 +44,42 @@ class Samples {
   V m_step, m_half, m_reconstruction;
 };
 
-void Plain(const gr_int32* bins, float* out, size_t n, float step) {
-  const D d;
+/// Does whole vectors from sample `i` on. @return the first sample that isn't done
+template <class D>
+HWY_INLINE size_t PlainVectors(D d, const gr_int32* bins, float* out, size_t i, size_t n,
+                               float step) {
   const size_t lanes = hn::Lanes(d);
-  const Samples samples(step);
+  const Samples<D> samples(step);
+  for (; i + lanes <= n; i += lanes) hn::StoreU(samples.of(bins + i), d, out + i);
+  return i;
+}
+
+template <class D>
+HWY_INLINE size_t DitherVectors(D d, const gr_int32* bins, const float* noise, float* out, size_t i,
+                                size_t n, float step) {
+  const size_t lanes = hn::Lanes(d);
+  const Samples<D> samples(step);
+  for (; i + lanes <= n; i += lanes) {
+    const auto dither = hn::Mul(hn::LoadU(d, noise + i), samples.step());
+    hn::StoreU(hn::Sub(samples.of(bins + i), dither), d, out + i);
+  }
+  return i;
+}
+
+void Plain(const gr_int32* bins, float* out, size_t n, float step) {
   size_t i = 0;
   if (step != 0) {
-    for (; i + lanes <= n; i += lanes) hn::StoreU(samples.of(bins + i), d, out + i);
+    i = PlainVectors(Full(), bins, out, i, n, step);
+    i = PlainVectors(Few(), bins, out, i, n, step);
   }
   tg2_dequantizeScalar(bins + i, out + i, n - i, step);
 }
 
 void Dither(const gr_int32* bins, const float* noise, float* out, size_t n, float step) {
-  const D d;
-  const size_t lanes = hn::Lanes(d);
-  const Samples samples(step);
   size_t i = 0;
   if (step != 0) {
-    for (; i + lanes <= n; i += lanes) {
-      const V dither = hn::Mul(hn::LoadU(d, noise + i), samples.step());
-      hn::StoreU(hn::Sub(samples.of(bins + i), dither), d, out + i);
-    }
+    i = DitherVectors(Full(), bins, noise, out, i, n, step);
+    i = DitherVectors(Few(), bins, noise, out, i, n, step);
   }
   tg2_dequantizeDitherScalar(bins + i, noise + i, out + i, n - i, step);
 }

@@ -14,33 +14,81 @@ namespace HWY_NAMESPACE {
 namespace hn = hwy::HWY_NAMESPACE;
 
 // Values stand in memory as singles and in registers as doubles, a whole vector of them.
-using D = hn::ScalableTag<double>;
-using F = hn::Rebind<float, D>;
-using V = hn::Vec<D>;
-using S = hn::Vec<F>;
+using Full = hn::ScalableTag<double>;
+// For what is left at the end of a row.
+using Few = hn::CappedTag<double, 4>;
 
-HWY_INLINE V Load(const float* from) { return hn::PromoteTo(D(), hn::LoadU(F(), from)); }
+/// The lifting step for vectors of one size.
+template <class D>
+struct Lifter {
+  using F = hn::Rebind<float, D>;
+  using V = hn::Vec<D>;
+  using S = hn::Vec<F>;
 
-HWY_INLINE S Lift(V center, V a, V b, V factor) {
-  const V lifted = hn::Add(center, hn::Mul(factor, hn::Add(a, b)));
-  // Its DemoteTo holds large values back from becoming infinite.
-  if constexpr (HWY_TARGET == HWY_SCALAR) {
-    return hn::Set(F(), static_cast<float>(hn::GetLane(lifted)));
-  } else {
-    return hn::DemoteTo(F(), lifted);
+  static HWY_INLINE V load(const float* from) { return promote(hn::LoadU(F(), from)); }
+  static HWY_INLINE V promote(S values) { return hn::PromoteTo(D(), values); }
+  static HWY_INLINE V factor(float value) { return hn::Set(D(), static_cast<double>(value)); }
+
+  static HWY_INLINE S lift(V center, V a, V b, V factor) {
+    const V lifted = hn::Add(center, hn::Mul(factor, hn::Add(a, b)));
+    // Its DemoteTo holds large values back from becoming infinite.
+    if constexpr (HWY_TARGET == HWY_SCALAR) {
+      return hn::Set(F(), static_cast<float>(hn::GetLane(lifted)));
+    } else {
+      return hn::DemoteTo(F(), lifted);
+    }
   }
-}
 
-HWY_INLINE V Factor(size_t step) { return hn::Set(D(), static_cast<double>(TG2_LIFT97[step])); }
+  // Each does whole vectors from value `i` on, and returns the first one that isn't done.
+
+  static HWY_INLINE size_t step(const float* center, const float* a, const float* b, float k,
+                                float* out, size_t i, size_t n) {
+    const size_t lanes = hn::Lanes(D());
+    const V by = factor(k);
+    for (; i + lanes <= n; i += lanes) {
+      hn::StoreU(lift(load(center + i), load(a + i), load(b + i), by), F(), out + i);
+    }
+    return i;
+  }
+
+  static HWY_INLINE size_t vertical(const TG2Lift97Rows& rows, size_t i, size_t n) {
+    const size_t lanes = hn::Lanes(D());
+    const V k0 = factor(TG2_LIFT97[0]), k1 = factor(TG2_LIFT97[1]);
+    const V k2 = factor(TG2_LIFT97[2]), k3 = factor(TG2_LIFT97[3]);
+    for (; i + lanes <= n; i += lanes) {
+      const V highAbove = load(rows.highAbove + i);
+      const S firstEven = lift(load(rows.low + i), highAbove, load(rows.high + i), k0);
+      const V evenHeld = load(rows.firstEven + i);
+      const S firstOdd = lift(highAbove, evenHeld, promote(firstEven), k1);
+      const V oddHeld = load(rows.firstOdd + i);
+      const S even = lift(evenHeld, oddHeld, promote(firstOdd), k2);
+      const S odd = lift(oddHeld, load(rows.evenAbove + i), promote(even), k3);
+      hn::StoreU(firstEven, F(), rows.firstEven + i);
+      hn::StoreU(firstOdd, F(), rows.firstOdd + i);
+      hn::StoreU(even, F(), rows.even + i);
+      hn::StoreU(odd, F(), rows.odd + i);
+    }
+    return i;
+  }
+
+  /// The last step: out[2 i] = even[i], and behind it the odd sample.
+  static HWY_INLINE size_t lastStep(const float* even, const float* odd, float* out, size_t i,
+                                    size_t n) {
+    const size_t lanes = hn::Lanes(D());
+    const V k = factor(TG2_LIFT97[3]);
+    for (; i + lanes <= n; i += lanes) {
+      const S here = hn::LoadU(F(), even + i);
+      const S last = lift(load(odd + i), promote(here), load(even + i + 1), k);
+      hn::StoreInterleaved2(here, last, F(), out + 2 * i);
+    }
+    return i;
+  }
+};
 
 HWY_INLINE void StepRow(const float* center, const float* a, const float* b, float factor,
                         float* out, size_t n) {
-  const size_t lanes = hn::Lanes(D());
-  const V k = hn::Set(D(), static_cast<double>(factor));
-  size_t i = 0;
-  for (; i + lanes <= n; i += lanes) {
-    hn::StoreU(Lift(Load(center + i), Load(a + i), Load(b + i), k), F(), out + i);
-  }
+  size_t i = Lifter<Full>::step(center, a, b, factor, out, 0, n);
+  i = Lifter<Few>::step(center, a, b, factor, out, i, n);
   tg2_lift97StepScalar(center + i, a + i, b + i, factor, out + i, n - i);
 }
 
@@ -49,38 +97,17 @@ void Step(const float* center, const float* a, const float* b, float factor, flo
 }
 
 void Vertical(const TG2Lift97Rows& given, size_t n) {
-  const size_t lanes = hn::Lanes(D());
   const TG2Lift97Rows rows = given;
-  const V k0 = Factor(0), k1 = Factor(1), k2 = Factor(2), k3 = Factor(3);
-  size_t i = 0;
-  for (; i + lanes <= n; i += lanes) {
-    const V highAbove = Load(rows.highAbove + i);
-    const S firstEven = Lift(Load(rows.low + i), highAbove, Load(rows.high + i), k0);
-    const V evenHeld = Load(rows.firstEven + i);
-    const S firstOdd = Lift(highAbove, evenHeld, hn::PromoteTo(D(), firstEven), k1);
-    const V oddHeld = Load(rows.firstOdd + i);
-    const S even = Lift(evenHeld, oddHeld, hn::PromoteTo(D(), firstOdd), k2);
-    const S odd = Lift(oddHeld, Load(rows.evenAbove + i), hn::PromoteTo(D(), even), k3);
-    hn::StoreU(firstEven, F(), rows.firstEven + i);
-    hn::StoreU(firstOdd, F(), rows.firstOdd + i);
-    hn::StoreU(even, F(), rows.even + i);
-    hn::StoreU(odd, F(), rows.odd + i);
-  }
+  size_t i = Lifter<Full>::vertical(rows, 0, n);
+  i = Lifter<Few>::vertical(rows, i, n);
   tg2_lift97VerticalScalar({rows.low + i, rows.highAbove + i, rows.high + i, rows.firstEven + i,
                             rows.firstOdd + i, rows.evenAbove + i, rows.even + i, rows.odd + i},
                            n - i);
 }
 
-/// The last step of `n` pairs: out[2 i] = even[i], and behind it the odd sample.
 HWY_INLINE void LastStep(const float* even, const float* odd, float* out, size_t n) {
-  const size_t lanes = hn::Lanes(D());
-  const V k = Factor(3);
-  size_t i = 0;
-  for (; i + lanes <= n; i += lanes) {
-    const S here = hn::LoadU(F(), even + i);
-    const S last = Lift(Load(odd + i), hn::PromoteTo(D(), here), Load(even + i + 1), k);
-    hn::StoreInterleaved2(here, last, F(), out + 2 * i);
-  }
+  size_t i = Lifter<Full>::lastStep(even, odd, out, 0, n);
+  i = Lifter<Few>::lastStep(even, odd, out, i, n);
   for (; i < n; ++i) {
     out[2 * i] = even[i];
     tg2_lift97StepScalar(odd + i, even + i, even + i + 1, TG2_LIFT97[3], out + 2 * i + 1, 1);
@@ -90,7 +117,7 @@ HWY_INLINE void LastStep(const float* even, const float* odd, float* out, size_t
 void Horizontal(const float* low, const float* high, float* work, float* out, bool startsOdd,
                 size_t count) {
   if (count == 0) return;
-  const size_t lanes = hn::Lanes(D());
+  const size_t lanes = hn::Lanes(Full());
   const size_t begin = startsOdd ? 1 : 0;  // positions, of which 0 is low[0]'s
   const size_t end = begin + count;
   const size_t m = tg2_lift97Evens(startsOdd, count);
