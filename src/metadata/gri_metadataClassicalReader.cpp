@@ -218,6 +218,19 @@ GR_STATUS readValues(BlockBytes& bytes, const Record& record, GRIMetadataDatabas
   return addRecord(database, record, values);
 }
 
+GR_STATUS readRecords(BlockBytes& bytes, GRIMetadataDatabase& database) {
+  for (;;) {
+    gr_uint32 unused = 0;
+    Record record;
+    GR_RETURN_IF_FAILED(bytes.readNumber(unused));
+    GR_RETURN_IF_FAILED(readName(bytes, record));
+    if (record.name[0] == '\0') return GR_STATUS_OK;
+    GR_RETURN_IF_FAILED(readShape(bytes, record));
+    GR_RETURN_IF_FAILED(readValues(bytes, record, database));
+    if (record.isNamed(GRI_TAG_IMAGE_EOM)) return GR_STATUS_OK;
+  }
+}
+
 }  // namespace
 
 GR_STATUS GRIMetadataClassicalReader::read() {
@@ -227,15 +240,7 @@ GR_STATUS GRIMetadataClassicalReader::read() {
   GR_RETURN_IF_FAILED(bytes.readNumber(major));
   GR_RETURN_IF_FAILED(bytes.readNumber(minor));
   if (major >= FIRST_UNKNOWN_MAJOR) return GR_STATUS_OK;
-
-  for (;;) {
-    gr_uint32 unused = 0;
-    Record record;
-    GR_RETURN_IF_FAILED(bytes.readNumber(unused));
-    GR_RETURN_IF_FAILED(readName(bytes, record));
-    if (record.name[0] == '\0') return GR_STATUS_OK;
-    GR_RETURN_IF_FAILED(readShape(bytes, record));
-    GR_RETURN_IF_FAILED(readValues(bytes, record, m_database));
-    if (record.isNamed(GRI_TAG_IMAGE_EOM)) return GR_STATUS_OK;
-  }
+  const GR_STATUS status = readRecords(bytes, m_database);
+  m_database.closeGaps();
+  return status;
 }

@@ -82,6 +82,26 @@ TEST(GRIMetadataClassicalReaderTest, KeepsTheLaterOfTwoRecordsOfOneName) {
   EXPECT_EQ(scalar32(database, "X"), 2u);
 }
 
+TEST(GRIMetadataClassicalReaderTest, KeepsTheOrderOfTheLastOnesOfMany) {
+  constexpr gr_uint32 COUNT = 20000;
+  Bytes block = begin();
+  const auto add = [&block](gr_uint32 number, gr_uint32 value) {
+    const Bytes record = recordOf(std::to_string(number), 3, 1, {1}, number32(value));
+    block.insert(block.end(), record.begin(), record.end());
+  };
+  for (gr_uint32 i = 0; i < COUNT; ++i) add(i, 1);
+  for (gr_uint32 i = 0; i < COUNT; ++i) add(0, i);
+  GRIMetadataDatabase database;
+  EXPECT_EQ(readInto(database, block + end()), GR_STATUS_OK);
+  ASSERT_EQ(database.getIndexCount(), COUNT);
+  const GRIMetadataRecord* record = nullptr;
+  ASSERT_EQ(database.getDataByIndex(0, record), GR_STATUS_OK);
+  EXPECT_STREQ(record->getTagName(), "1");
+  ASSERT_EQ(database.getDataByIndex(COUNT - 1, record), GR_STATUS_OK);
+  EXPECT_STREQ(record->getTagName(), "0");
+  EXPECT_EQ(scalar32(database, "0"), COUNT - 1);
+}
+
 TEST(GRIMetadataClassicalReaderTest, ReadsEachTextOfAnArray) {
   GRIMetadataDatabase database;
   const std::string longText(5000, 'x');

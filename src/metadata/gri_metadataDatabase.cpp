@@ -3,22 +3,17 @@
 #include <algorithm>
 #include <bit>
 #include <cassert>
+#include <cstdint>
 #include <cstring>
 
 #include "gr_lib_utils/include/gr_exception.h"
 #include "metadata/gri_metadataTags.h"
+#include "metadata/gri_tagHash.h"
 
 namespace {
 
 constexpr gr_uint64 MAX_RECORDS = 0x40000000;  // slots are twice as many, and count in 32 bits
 constexpr gr_uint64 MIN_ROOM = 16;             // records
-
-/// FNV-1a.
-gr_uint32 hashOf(const char* text) {
-  gr_uint32 hash = 2166136261u;
-  for (; *text != '\0'; ++text) hash = (hash ^ static_cast<gr_uint8>(*text)) * 16777619u;
-  return hash;
-}
 
 /// A copy of a record, or null when memory runs out.
 std::unique_ptr<GRIMetadataRecord> copyOf(const GRIMetadataRecord& record) {
@@ -54,17 +49,17 @@ GR_STATUS GRIMetadataDatabase::add(std::unique_ptr<GRIMetadataRecord> record) {
 }
 
 GR_STATUS GRIMetadataDatabase::add(const GRIMetadataDatabase& other) {
-  for (gr_uint32 i = 0; i < other.m_count; ++i) {
-    if (has(other.m_records[i]->getTagName())) return GRI_STATUS_TAG_DUPLICATE;
-  }
   GRArray<std::unique_ptr<GRIMetadataRecord>> copies;
-  GR_RETURN_IF_FAILED(copies.allocate(other.m_count));
+  GR_RETURN_IF_FAILED(copies.allocate(other.getIndexCount()));
+  auto* copy = copies.begin();
   for (gr_uint32 i = 0; i < other.m_count; ++i) {
-    copies[i] = copyOf(*other.m_records[i]);
-    if (copies[i] == nullptr) return GR_STATUS_NO_MEMORY;
+    if (other.m_records[i] == nullptr) continue;
+    if (has(other.m_records[i]->getTagName())) return GRI_STATUS_TAG_DUPLICATE;
+    *copy = copyOf(*other.m_records[i]);
+    if (*copy++ == nullptr) return GR_STATUS_NO_MEMORY;
   }
   GR_RETURN_IF_FAILED(reserve(gr_uint64{m_count} + copies.size()));
-  for (std::unique_ptr<GRIMetadataRecord>& copy : copies) append(std::move(copy));
+  for (std::unique_ptr<GRIMetadataRecord>& made : copies) append(std::move(made));
   return GR_STATUS_OK;
 }
 
@@ -75,7 +70,9 @@ bool GRIMetadataDatabase::has(gr_int32 tagNumber) const {
 }
 
 GR_STATUS GRIMetadataDatabase::get(const char* tag, const GRIMetadataRecord*& record) const {
-  return getDataByIndex(find(tag), record);
+  const gr_uint32 place = find(tag);
+  record = place == NOT_FOUND ? nullptr : m_records[place].get();
+  return record != nullptr ? GR_STATUS_OK : GRI_STATUS_TAG_NOT_FOUND;
 }
 
 GR_STATUS GRIMetadataDatabase::get(gr_int32 tagNumber, const GRIMetadataRecord*& record) const {
@@ -85,10 +82,18 @@ GR_STATUS GRIMetadataDatabase::get(gr_int32 tagNumber, const GRIMetadataRecord*&
 GR_STATUS GRIMetadataDatabase::remove(const char* tag) {
   const gr_uint32 index = find(tag);
   if (index == NOT_FOUND) return GRI_STATUS_TAG_NOT_FOUND;
-  std::move(m_records.begin() + index + 1, m_records.begin() + m_count, m_records.begin() + index);
-  m_records[--m_count] = nullptr;
-  rebuildSlots();
+  m_records[index] = nullptr;
+  // Closing the gaps at once would take time in proportion to all records, for each of them.
+  if (++m_numGaps > m_count / 2) closeGaps();
   return GR_STATUS_OK;
+}
+
+void GRIMetadataDatabase::closeGaps() {
+  if (m_numGaps == 0) return;
+  auto* const end = std::remove(m_records.begin(), m_records.begin() + m_count, nullptr);
+  m_count = static_cast<gr_uint32>(end - m_records.begin());
+  m_numGaps = 0;
+  rebuildSlots();
 }
 
 GR_STATUS GRIMetadataDatabase::remove(gr_int32 tagNumber) {
@@ -99,26 +104,44 @@ void GRIMetadataDatabase::removeAll() {
   m_records.clear();
   m_slots.clear();
   m_count = 0;
+  m_numGaps = 0;
   assert(getIndexCount() == 0);
 }
 
 GR_STATUS GRIMetadataDatabase::getDataByIndex(gr_uint32 index,
                                               const GRIMetadataRecord*& record) const {
-  record = index < m_count ? m_records[index].get() : nullptr;
+  record = nullptr;
+  if (m_numGaps == 0) {
+    record = index < m_count ? m_records[index].get() : nullptr;
+  } else {
+    gr_uint32 left = index;
+    for (gr_uint32 i = 0; i < m_count && record == nullptr; ++i) {
+      if (m_records[i] != nullptr && left-- == 0) record = m_records[i].get();
+    }
+  }
   return record != nullptr ? GR_STATUS_OK : GRI_STATUS_TAG_NOT_FOUND;
 }
 
 gr_uint64 GRIMetadataDatabase::getSerializedSize() const {
   gr_uint64 size = 0;
-  for (gr_uint32 i = 0; i < m_count; ++i) size += m_records[i]->getSerializedSize();
+  for (gr_uint32 i = 0; i < m_count; ++i) {
+    if (m_records[i] != nullptr) size += m_records[i]->getSerializedSize();
+  }
   return size;
 }
 
 void GRIMetadataDatabase::sort() {
+  closeGaps();
   std::sort(m_records.begin(), m_records.begin() + m_count, [](const auto& a, const auto& b) {
     return std::strcmp(a->getTagName(), b->getTagName()) < 0;
   });
   rebuildSlots();
+}
+
+/// The slots lie at another address in each process, which nobody who made a file can know.
+gr_uint64 GRIMetadataDatabase::hashOf(const char* tag) const {
+  constexpr gr_uint64 SECOND_KEY = 0x9E3779B97F4A7C15;
+  return gri_tagHash(reinterpret_cast<uintptr_t>(m_slots.data()), SECOND_KEY, tag);
 }
 
 gr_uint32 GRIMetadataDatabase::find(const char* tag) const {
@@ -127,7 +150,8 @@ gr_uint32 GRIMetadataDatabase::find(const char* tag) const {
   // At most half of the slots are taken, so an empty one ends the search.
   for (size_t slot = hashOf(tag) & mask; m_slots[slot] != 0; slot = (slot + 1) & mask) {
     const gr_uint32 index = m_slots[slot] - 1;
-    if (std::strcmp(m_records[index]->getTagName(), tag) == 0) return index;
+    const GRIMetadataRecord* const record = m_records[index].get();
+    if (record != nullptr && std::strcmp(record->getTagName(), tag) == 0) return index;
   }
   return NOT_FOUND;
 }
@@ -163,5 +187,7 @@ void GRIMetadataDatabase::enterSlot(gr_uint32 index) {
 
 void GRIMetadataDatabase::rebuildSlots() {
   std::fill(m_slots.begin(), m_slots.end(), 0u);
-  for (gr_uint32 i = 0; i < m_count; ++i) enterSlot(i);
+  for (gr_uint32 i = 0; i < m_count; ++i) {
+    if (m_records[i] != nullptr) enterSlot(i);
+  }
 }

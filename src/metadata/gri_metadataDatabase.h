@@ -39,14 +39,16 @@ class GRIMetadataDatabase {
   [[nodiscard]] GR_STATUS get(const char* tag, const GRIMetadataRecord*& record) const;
   [[nodiscard]] GR_STATUS get(gr_int32 tagNumber, const GRIMetadataRecord*& record) const;
 
-  /// Removes a record; those behind it move up.
+  /// Removes a record; those behind it move up. Many removals in a row leave gaps among the
+  /// records, which make getDataByIndex slow until closeGaps() is called.
   /// @return 0; 50503 when the tag isn't there
   [[nodiscard]] GR_STATUS remove(const char* tag);
   [[nodiscard]] GR_STATUS remove(gr_int32 tagNumber);
   void removeAll();
+  void closeGaps();
 
   /// The number of records.
-  gr_uint32 getIndexCount() const { return m_count; }
+  gr_uint32 getIndexCount() const { return m_count - m_numGaps; }
   /// @param record  record number `index`, which stays the database's, or null
   /// @return 0; 50503 when `index` is at or past getIndexCount()
   [[nodiscard]] GR_STATUS getDataByIndex(gr_uint32 index, const GRIMetadataRecord*& record) const;
@@ -65,7 +67,11 @@ class GRIMetadataDatabase {
   void enterSlot(gr_uint32 index);
   void rebuildSlots();
 
-  GRArray<std::unique_ptr<GRIMetadataRecord>> m_records;  // room; the first m_count are in use
+  gr_uint64 hashOf(const char* tag) const;
+
+  // Room; the first m_count are in use, of which m_numGaps were removed and are null.
+  GRArray<std::unique_ptr<GRIMetadataRecord>> m_records;
   gr_uint32 m_count = 0;
-  GRArray<gr_uint32> m_slots;  // hash table with open addressing: record number + 1, or 0
+  gr_uint32 m_numGaps = 0;
+  GRArray<gr_uint32> m_slots;  // hash table with open addressing: place of a record + 1, or 0
 };

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -125,6 +127,29 @@ TEST(GRIMetadataDatabaseTest, RemovingMovesTheRestUp) {
   EXPECT_TRUE(database.has("C"));
   EXPECT_EQ(database.add(recordOf("B")), GR_STATUS_OK);
   EXPECT_EQ(tagsOf(database), (Tags{"A", "C", "B"}));
+}
+
+TEST(GRIMetadataDatabaseTest, StaysAListThroughAnyAddingAndRemoving) {
+  std::mt19937 random(5);
+  GRIMetadataDatabase database;
+  Tags model;
+  for (int step = 0; step < 3000; ++step) {
+    const std::string tag = std::to_string(random() % 60);
+    const auto at = std::find(model.begin(), model.end(), tag);
+    const bool isThere = at != model.end();
+    if (random() % 2 == 0) {
+      EXPECT_EQ(database.add(recordOf(tag)), isThere ? GRI_STATUS_TAG_DUPLICATE : GR_STATUS_OK);
+      if (!isThere) model.push_back(tag);
+    } else {
+      EXPECT_EQ(database.remove(tag.c_str()), isThere ? GR_STATUS_OK : GRI_STATUS_TAG_NOT_FOUND);
+      if (isThere) model.erase(at);
+    }
+    if (random() % 50 == 0) database.closeGaps();
+    ASSERT_EQ(database.getIndexCount(), model.size());
+    ASSERT_EQ(tagsOf(database), model);
+    EXPECT_EQ(tagsOf(GRIMetadataDatabase(database)), model);
+    for (const std::string& name : model) ASSERT_TRUE(database.has(name.c_str()));
+  }
 }
 
 TEST(GRIMetadataDatabaseTest, RemoveAllLeavesAnEmptyDatabaseThatCanBeFilled) {
