@@ -62,6 +62,15 @@ class TG3Container {
   /// @return also 2010 when the image has no such packet, or more than one
   [[nodiscard]] GR_STATUS getTG2Image(gr_uint32 image, const TG3TG2Packet*& packet);
 
+  /// All packets, in the order of the file.
+  const TG3List<DBObjectProxy>& getPackets() const { return m_packets.getProxies(); }
+  /// Copies bytes of the file as they are.
+  /// @param target  open, not the container's own stream; from its position on
+  /// @return 0; 2001 where the file ends early; 2002 for a short write; 2012 for memory; else the
+  ///         stream's status
+  [[nodiscard]] virtual GR_STATUS copyBytes(gr_uint64 offset, gr_uint64 length,
+                                            GRIOStreamInf& target) = 0;
+
   /// Whether there is a block of metadata with just these keys.
   bool hasMetadata(gr_uint32 subType, gr_uint32 subSubType, gr_uint32 image) const;
   /// Null where none or more than one matches.

@@ -1,5 +1,7 @@
 #include "gr_lib_tg3kernel/src/tg3_db_lib/tg3_fileSimpleContainer.h"
 
+#include <algorithm>
+
 #include "gr_lib_utils/include/gr_ioStreamOpener.h"
 #include "gr_lib_utils/include/gr_ioSubStream.h"
 #include "gr_lib_utils/include/gr_memory.h"
@@ -17,6 +19,30 @@ GR_STATUS TG3FileSimpleContainer::fetch(DBObjectProxy& proxy, const TG3Packet*& 
   GRIOStreamOpener opener(m_stream, m_leaveOpen);
   GR_RETURN_IF_FAILED(opener.open());
   return opener.close(proxy.fetch(m_stream, packet));
+}
+
+GR_STATUS TG3FileSimpleContainer::copyBytes(gr_uint64 offset, gr_uint64 length,
+                                            GRIOStreamInf& target) {
+  const std::lock_guard guard(getLock());
+  GRIOStreamOpener opener(m_stream, m_leaveOpen);
+  GR_RETURN_IF_FAILED(opener.open());
+  GR_RETURN_IF_FAILED(m_stream.seek(static_cast<gr_int64>(offset), GRIO_SEEK_BEGIN));
+  return opener.close(copyFromPosition(length, target));
+}
+
+GR_STATUS TG3FileSimpleContainer::copyFromPosition(gr_uint64 length, GRIOStreamInf& target) {
+  constexpr gr_uint64 MOST_AT_ONCE = 0x10000;
+  GRArray<gr_uint8> bytes;
+  if (!GR_SUCCESS(bytes.allocateUninitialized(std::min(length, MOST_AT_ONCE)))) {
+    return TG3_STATUS_NO_MEMORY;
+  }
+  while (length > 0) {
+    const auto part = static_cast<gr_uint32>(std::min(length, MOST_AT_ONCE));
+    if (m_stream.read(bytes.data(), part) != part) return TG3_STATUS_READ_ERROR;
+    if (target.write(bytes.data(), part) != part) return TG3_STATUS_WRITE_ERROR;
+    length -= part;
+  }
+  return GR_STATUS_OK;
 }
 
 std::unique_ptr<GRIOStreamInf> TG3FileSimpleContainer::duplicateStream() {

@@ -27,11 +27,16 @@ class TG3FileSimpleContainer final : public TG3Container {
   ///         in the stream; 2012 for memory; else the stream's status
   [[nodiscard]] GR_STATUS makeTG2Stream(gr_uint32 image, std::unique_ptr<GRIOStreamInf>& stream);
 
+  [[nodiscard]] GR_STATUS copyBytes(gr_uint64 offset, gr_uint64 length,
+                                    GRIOStreamInf& target) override;
+
  protected:
   GR_STATUS readPackets(TG3PacketDB& packets) override;
   GR_STATUS fetch(DBObjectProxy& proxy, const TG3Packet*& packet) override;
 
  private:
+  GR_STATUS copyFromPosition(gr_uint64 length, GRIOStreamInf& target);
+
   GRIOStreamInf& m_stream;
   bool m_leaveOpen;
   gr_uint64 m_endPosition = 0;

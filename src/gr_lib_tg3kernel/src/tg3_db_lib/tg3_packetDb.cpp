@@ -36,6 +36,13 @@ bool TG3Version::isReadable() const {
          revision == OWN_VERSION.revision && letter <= OWN_VERSION.letter;
 }
 
+GR_STATUS TG3Version::write(GRIOStreamInf& stream) const {
+  const gr_uint8 bytes[8] = {MAGIC[0], MAGIC[1], MAGIC[2], MAGIC[3],
+                             major,    minor,    revision, static_cast<gr_uint8>(letter)};
+  return stream.write(bytes, sizeof(bytes)) == sizeof(bytes) ? GR_STATUS_OK
+                                                             : TG3_STATUS_WRITE_ERROR;
+}
+
 GR_STATUS TG3PacketDB::read(GRIOStreamInf& stream) {
   GR_RETURN_IF_FAILED(readPreamble(stream));
   const gr_int64 start = stream.tell();

@@ -21,6 +21,8 @@ struct TG3Version {
   /// Whether this library reads files of the version: revision 26 with a letter up to 't', which
   /// compares as a number.
   bool isReadable() const;
+  /// Writes the preamble of a file of this version. @return 0; 2002 for a short write
+  [[nodiscard]] GR_STATUS write(GRIOStreamInf& stream) const;
   bool operator==(const TG3Version&) const = default;
 };
 

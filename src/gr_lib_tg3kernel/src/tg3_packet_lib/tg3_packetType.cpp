@@ -28,6 +28,14 @@ gr_uint64 take(const gr_uint8*& bytes, gr_uint32 width) {
   return value;
 }
 
+// Puts a number as `width` big-endian bytes.
+void put(gr_uint8*& bytes, gr_uint64 value, gr_uint32 width) {
+  for (gr_uint32 i = width; i > 0; --i) *bytes++ = static_cast<gr_uint8>(value >> 8 * (i - 1));
+}
+
+// The two bits that stand for the width of a subtype.
+gr_uint32 layoutBits(gr_uint32 width) { return width == 4 ? 3 : width; }
+
 bool isEqualOrAny(gr_uint32 a, gr_uint32 b) {
   return a == b || a == TG3PacketType::ANY || b == TG3PacketType::ANY;
 }
@@ -78,6 +86,29 @@ GR_STATUS TG3PacketType::read(GRIOStreamInf& stream, gr_uint64& length) {
   length = take(next, lengthWidth);
   // All ones mean an open end in the width that holds every length, not in a narrower one.
   return (typeByte & TYPE_RESERVED) == 0 ? GR_STATUS_OK : TG3_STATUS_BAD_VERSION;
+}
+
+GR_STATUS TG3PacketType::write(GRIOStreamInf& stream, gr_uint64 length) const {
+  constexpr gr_uint8 LENGTH_OF_8_BYTES = 3;
+  const bool hasVersion = versionMajor != 0 || versionMinor != 0;
+  const gr_uint32 subTypeWidth = writtenWidth(subType);
+  const gr_uint32 subSubTypeWidth = writtenWidth(subSubType);
+  gr_uint8 bytes[LARGEST_HEADER];
+  gr_uint8* next = bytes;
+  put(next, (static_cast<gr_uint32>(type) & TYPE_MASK) | (hasVersion ? HAS_VERSION : 0U), 1);
+  put(next,
+      layoutBits(subTypeWidth) << 6 | layoutBits(subSubTypeWidth) << 4 |
+          (sequence != 0 ? HAS_SEQUENCE : 0U) | (image != 0 ? HAS_IMAGE : 0U) | LENGTH_OF_8_BYTES,
+      1);
+  put(next, subType, subTypeWidth);
+  put(next, subSubType, subSubTypeWidth);
+  put(next, sequence, sequence != 0 ? 4 : 0);
+  put(next, image, image != 0 ? 4 : 0);
+  put(next, versionMajor, hasVersion ? 1 : 0);
+  put(next, versionMinor, hasVersion ? 1 : 0);
+  put(next, length, 8);
+  const auto written = static_cast<gr_uint32>(next - bytes);
+  return stream.write(bytes, written) == written ? GR_STATUS_OK : TG3_STATUS_WRITE_ERROR;
 }
 
 gr_uint32 TG3PacketType::getWrittenSize() const {

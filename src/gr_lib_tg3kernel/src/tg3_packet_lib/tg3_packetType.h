@@ -45,6 +45,12 @@ struct TG3PacketType {
   /// @return 0; 2001 when the stream ends inside; 2006 when a reserved bit is set
   [[nodiscard]] GR_STATUS read(GRIOStreamInf& stream, gr_uint64& length);
 
+  /// Writes the header at the position of an open stream: each number in the fewest bytes that
+  /// hold it, but the length always in 8.
+  /// @param length  of the body, bytes
+  /// @return 0; 2002 for a short write
+  [[nodiscard]] GR_STATUS write(GRIOStreamInf& stream, gr_uint64 length) const;
+
   /// Bytes that a writer of this header takes, which always stores a length of 8 bytes.
   gr_uint32 getWrittenSize() const;
 
