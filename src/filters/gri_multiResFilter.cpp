@@ -21,6 +21,12 @@ constexpr gr_int64 LONGEST_PIECE = 1 << 14;
 constexpr gr_uint32 COLUMNS_PER_PIECE = 1024;
 constexpr double LARGEST_SIZE = 0x7FFFFFFF;  // columns or rows
 
+// A whole position that a scale has moved by next to nothing stays the same.
+constexpr double NEXT_TO_NOTHING = 1e-6;  // pixels
+
+/// As the resampler truncates positions.
+double truncated(double position) { return std::floor(position + NEXT_TO_NOTHING); }
+
 bool isScale(double scale) { return std::isfinite(scale) && scale > 0.0; }
 
 /// The power of two nearest to a magnification, as decoders choose their level.
@@ -36,8 +42,7 @@ gr_int32 GRIMultiResFilter::Strip::getEnd() const {
 }
 
 gr_uint32 GRIMultiResFilter::scaledSize(gr_uint32 size, double scale) {
-  constexpr double NOTHING = 1e-6;  // pixels
-  const double scaled = std::ceil(size * scale - NOTHING);
+  const double scaled = std::ceil(size * scale - NEXT_TO_NOTHING);
   return scaled >= 1.0 && scaled <= LARGEST_SIZE ? static_cast<gr_uint32>(scaled) : 0;
 }
 
@@ -112,9 +117,9 @@ GR_STATUS GRIMultiResFilter::chooseMode(const GRIScene& scene) {
     m_mode = Mode::ROWS;
   } else if (passes(scene)) {
     m_mode = Mode::PASS;
-    m_imageScene = GRIScene(GRIScene::round(scene.getUpperLeftCol() * m_xResample),
-                            GRIScene::round(scene.getUpperLeftRow() * m_yResample),
-                            scene.getNumCols(), scene.getNumRows(), m_imageMag);
+    m_imageScene = GRIScene(truncated(scene.getUpperLeftCol() * m_xResample),
+                            truncated(scene.getUpperLeftRow() * m_yResample), scene.getNumCols(),
+                            scene.getNumRows(), m_imageMag);
   } else {
     m_mode = Mode::RESAMPLE;
   }
@@ -128,10 +133,10 @@ bool GRIMultiResFilter::passes(const GRIScene& scene) const {
   gr_uint32 width = 0;
   gr_uint32 height = 0;
   if (!GR_SUCCESS(getPreviousStage()->getDimsAtMag(m_imageMag, width, height))) return false;
-  const gr_int64 left = GRIScene::round(scene.getUpperLeftCol() * m_xResample);
-  const gr_int64 top = GRIScene::round(scene.getUpperLeftRow() * m_yResample);
-  return left >= 0 && top >= 0 && left + scene.getNumCols() <= gr_int64{width} &&
-         top + scene.getNumRows() <= gr_int64{height};
+  const double left = truncated(scene.getUpperLeftCol() * m_xResample);
+  const double top = truncated(scene.getUpperLeftRow() * m_yResample);
+  return left >= 0.0 && top >= 0.0 && left + scene.getNumCols() <= width &&
+         top + scene.getNumRows() <= height;
 }
 
 /// The scene of the image that `scene` shows. The filter's last columns and rows may lie a little
@@ -159,13 +164,13 @@ gr_uint32 GRIMultiResFilter::rowsPerImageStrip(gr_int32 numCols) const {
 /// The row of the image's scene that a row of the scene, counted from its first, shows.
 gr_int64 GRIMultiResFilter::imageRowOf(gr_int32 row) const {
   const double y = (m_scene.getUpperLeftRow() + row) * m_yResample - m_imageScene.getUpperLeftRow();
-  return static_cast<gr_int64>(std::clamp(y, 0.0, m_imageScene.getHeight() - 1.0));
+  return static_cast<gr_int64>(std::clamp(truncated(y), 0.0, m_imageScene.getHeight() - 1.0));
 }
 
 gr_int64 GRIMultiResFilter::imageColumnOf(gr_int32 column) const {
   const double x =
       (m_scene.getUpperLeftCol() + column) * m_xResample - m_imageScene.getUpperLeftCol();
-  return static_cast<gr_int64>(std::clamp(x, 0.0, m_imageScene.getWidth() - 1.0));
+  return static_cast<gr_int64>(std::clamp(truncated(x), 0.0, m_imageScene.getWidth() - 1.0));
 }
 
 GR_STATUS GRIMultiResFilter::decodeStrip(GRISceneBuffer& buffer, const GRIScene& stripScene) {

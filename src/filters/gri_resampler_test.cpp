@@ -313,10 +313,10 @@ TEST(GRIResamplerTest, StepsFollowFromTheSceneAndTheWindow) {
 }
 
 TEST(GRIResamplerTest, TheRequiredSceneReachesAsFarAsTheKernelAndNotPastTheStage) {
-  GRIPatternReader stage;
-  ASSERT_EQ(stage.initialize(100, 80, pixelOf(GRI_DATATYPE_UINT8), 0.25, 4.0), 0u);
+  GRUtilSmartPointer<GRIPatternReader> stage(gr_makeUnique<GRIPatternReader>().release());
+  ASSERT_EQ(stage->initialize(100, 80, pixelOf(GRI_DATATYPE_UINT8), 0.25, 4.0), 0u);
   const auto required = [&](gr_uint32 kind, const GRIScene& scene) {
-    return GRIResampler::create(GRI_DATATYPE_UINT8, kind)->getRequiredScene(stage, scene);
+    return GRIResampler::create(GRI_DATATYPE_UINT8, kind)->getRequiredScene(*stage, scene);
   };
   const GRIScene inside(10.25, 20.5, 5.5, 6.25, 1.0);
   EXPECT_EQ(required(1, inside), GRIScene(10, 20, 6, 7, 1.0));
