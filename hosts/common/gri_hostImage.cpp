@@ -9,6 +9,7 @@
 namespace {
 
 constexpr const char* TAG_BITS = "IMAGE::BITS_PER_SAMPLE";
+constexpr const char* TAG_TILES = "IMAGE::NUMBER_OF_TILES";
 constexpr const char* TAG_NO_DATA = "IMAGE::TRANSPARENT_DATA_VALUE";
 constexpr const char* TAG_WKT = "IMAGE::WKT";
 constexpr const char* TAG_ORIGIN = "IMAGE::XY_ORIGIN";
@@ -101,6 +102,10 @@ void GRIHostImage::readInfo() {
   if (findRecord(TAG_BITS, record) && record.isScalar()) {
     const double bits = record.number(0);
     if (bits >= 1 && bits < m_info.bits) m_info.bits = static_cast<gr_uint32>(bits);
+  }
+  if (findRecord(TAG_TILES, record) && record.isScalar() &&
+      record.dataType == GRIC_METADATA_DATATYPE_UINT32) {
+    m_info.tiles = static_cast<gr_uint32>(record.number(0));
   }
   if (findRecord(TAG_WKT, record) && record.isText() && record.isScalar()) {
     m_info.crs = record.text(0);

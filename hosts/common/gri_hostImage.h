@@ -37,6 +37,7 @@ struct GRIHostImageInfo {
   GRIHostContent content;
   gr_uint32 width = 0;   // columns at magnification 1
   gr_uint32 height = 0;  // rows at magnification 1
+  gr_uint32 tiles = 1;   // images that the file shows as one picture
   gr_int32 dataType = GRIC_DATATYPE_INVALID;
   gr_uint32 bits = 0;  // that count in each sample; 0 where the bands' types differ
   gr_int32 colorSpace = GRIC_COLORSPACE_INVALID;

@@ -66,6 +66,7 @@ Json gri_hostInfoJson(const GRIHostImage& image) {
   Json json;
   json["format"] = info.content.name;
   json["size"] = {info.width, info.height};
+  json["tiles"] = info.tiles;
   json["bands"] = Json::array();
   for (const GRIHostColor color : info.bands) json["bands"].push_back(gri_hostColorName(color));
   json["colorSpace"] = gri_hostColorSpaceName(info.colorSpace);

@@ -22,9 +22,9 @@ TEST(GRIHostJsonTest, AllKeysAreThereInOrderAlsoForAPlainPicture) {
   const auto json = jsonOf({});
   for (const auto& item : json.items()) keys.push_back(item.key());
   EXPECT_EQ(keys,
-            (std::vector<std::string>{"format", "size", "bands", "colorSpace", "dataType", "bits",
-                                      "magnifications", "magnificationRange", "position", "corners",
-                                      "crs", "noData", "locked", "metadata"}));
+            (std::vector<std::string>{"format", "size", "tiles", "bands", "colorSpace", "dataType",
+                                      "bits", "magnifications", "magnificationRange", "position",
+                                      "corners", "crs", "noData", "locked", "metadata"}));
   EXPECT_TRUE(json["position"].is_null());
   EXPECT_TRUE(json["corners"].is_null());
   EXPECT_TRUE(json["crs"].is_null());

@@ -363,6 +363,15 @@ TEST_F(GRICommandTest, InfoLaysThePictureOut) {
   EXPECT_EQ(text.substr(0, expected.size()), expected);
 }
 
+TEST_F(GRICommandTest, InfoTellsOfHowManyTilesAPictureIs) {
+  FakePicture{.tiles = 12}.writeTo(path("mosaic"));
+  FakePicture{}.writeTo(path("single"));
+  EXPECT_NE(run({"info", path("mosaic")}).out.find("\n  Tiles           12\n"), std::string::npos);
+  EXPECT_EQ(run({"info", path("single")}).out.find("Tiles"), std::string::npos);
+  EXPECT_EQ(nlohmann::json::parse(run({"info", "--json", path("mosaic")}).out)["tiles"], 12);
+  EXPECT_EQ(nlohmann::json::parse(run({"info", "--json", path("single")}).out)["tiles"], 1);
+}
+
 TEST_F(GRICommandTest, InfoTellsHowFarAPictureCanBeEnlarged) {
   FakePicture{.minMagnification = 1, .maxMagnification = 16}.writeTo(path("few"));
   FakePicture{.minMagnification = 1, .maxMagnification = 0x1p127}.writeTo(path("many"));

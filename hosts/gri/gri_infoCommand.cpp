@@ -206,6 +206,7 @@ std::string gri_describe(const GRIHostImage& image, const GRITerminal& terminal)
   Sheet sheet(terminal);
   sheet.line("Format", info.content.name);
   sheet.line("Size", sizeWords(info.width, info.height) + " pixels");
+  if (info.tiles != 1) sheet.line("Tiles", std::to_string(info.tiles));
   sheet.line("Bands", bandWords(info));
   sheet.line("Colour", gri_hostColorSpaceName(info.colorSpace));
   sheet.line("Samples", sampleWords(info));

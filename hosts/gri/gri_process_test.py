@@ -28,7 +28,7 @@ def write_picture(path, **settings):
     picture = dict(width=100, height=80, bands=3, colorSpace=0x0301, dataType=1,
                    minMagnification=0.125, maxMagnification=1, position="", openStatus=0,
                    damagedFrom=0, damagedTo=0, damageStatus=2005, throws=0, isLocked=0, wkt="",
-                   noData="", bits=0, hasOddRecords=0, statesPosition=0)
+                   noData="", bits=0, hasOddRecords=0, tiles=0, statesPosition=0)
     picture.update(settings)
     lines = "".join(f"{key} {value}\n" for key, value in picture.items())
     path.write_bytes(b"tsra\3\0\0\0\n" + lines.encode())

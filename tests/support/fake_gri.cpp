@@ -143,6 +143,10 @@ std::vector<FakeRecord> recordsOf(const FakePicture& picture) {
                                               GRIC_METADATA_DATATYPE_UINT16, {1},
                                               {static_cast<gr_uint16>(picture.bits)}));
   }
+  if (picture.tiles != 0) {
+    records.push_back(numberRecord<gr_uint32>("IMAGE::NUMBER_OF_TILES",
+                                              GRIC_METADATA_DATATYPE_UINT32, {1}, {picture.tiles}));
+  }
   if (picture.statesPosition) {
     const auto doubles = [](const char* tag, const std::vector<double>& values) {
       return numberRecord<double>(tag, GRIC_METADATA_DATATYPE_FLOAT64,
@@ -218,6 +222,7 @@ FakePicture pictureOf(const std::map<std::string, std::string>& description) {
   picture.noData = numbersOf(text("noData"));
   picture.bits = count("bits");
   picture.hasOddRecords = number("hasOddRecords") != 0;
+  picture.tiles = count("tiles");
   picture.statesPosition = number("statesPosition") != 0;
   return picture;
 }
@@ -292,6 +297,7 @@ void FakePicture::writeTo(const std::filesystem::path& path) const {
   line("noData", numbers(noData));
   line("bits", bits);
   line("hasOddRecords", hasOddRecords);
+  line("tiles", tiles);
   line("statesPosition", statesPosition);
 }
 

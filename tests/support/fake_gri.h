@@ -38,6 +38,7 @@ struct FakePicture {
   std::vector<double> noData = {};  // record IMAGE::TRANSPARENT_DATA_VALUE, in the samples' type
   gr_uint32 bits = 0;               // record IMAGE::BITS_PER_SAMPLE
   bool hasOddRecords = false;       // one record of each kind, see fake_gri.cpp
+  gr_uint32 tiles = 0;              // record IMAGE::NUMBER_OF_TILES
   bool statesPosition = false;      // records IMAGE::XY_ORIGIN, X_RESOLUTION and Y_RESOLUTION
 
   void writeTo(const std::filesystem::path& path) const;
