@@ -13,8 +13,8 @@
 
 namespace {
 
-constexpr gr_uint64 READ_AT_ONCE = 256 * 1024;  // bytes of interleaved rows; they stay in the cache
-constexpr gr_uint64 LONGEST_READ = 1 << 30;     // bytes; what a 32-bit length can hold, and less
+constexpr gr_uint64 READ_AT_ONCE = 256 << 10;  // bytes of interleaved rows; they stay in the cache
+constexpr gr_uint64 LONGEST_READ = 1 << 30;    // bytes; what a 32-bit length can hold, and less
 constexpr gr_uint64 POSITION_UNKNOWN = ~gr_uint64{0};
 
 gr_uint8* rowOf(const GRISceneBuffer& buffer, gr_uint16 band, gr_uint32 row) {

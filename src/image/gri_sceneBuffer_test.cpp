@@ -225,7 +225,7 @@ TEST(GRISceneBufferTest, BandsOfSeveralWidthsInterleaveEachByItsOwn) {
 TEST(GRISceneBufferTest, ExportsRepeatWhatWasImported) {
   for (const GRIDataType type : {GRI_DATATYPE_UINT8, GRI_DATATYPE_SINT16, GRI_DATATYPE_FLOAT32}) {
     const GRIPixel pixel(GRI_COLORSPACE_RGB, 3, type);
-    Bytes block(size_t{3 * 2} * pixel.getNumBytes());
+    Bytes block(size_t{3} * 2 * pixel.getNumBytes());
     for (size_t i = 0; i < block.size(); ++i) block[i] = static_cast<gr_uint8>(i + 1);
     GRISceneBuffer buffer(pixel, 7, 5, 2, 1, 3, 2, nullptr);
 
