@@ -11,7 +11,7 @@ namespace {
 
 // A window is made in pieces of so many columns, so that what moves down along them stays in the
 // cache, for all bands.
-constexpr gr_int64 PIECE_COLUMNS = 1024;
+constexpr gr_int64 PIECE_COLUMNS = 2048;
 
 void throwIfFailed(GR_STATUS status) {
   if (!GR_SUCCESS(status)) throw GRUtilException(status);
