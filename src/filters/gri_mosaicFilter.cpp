@@ -175,16 +175,20 @@ GR_STATUS GRIMosaicFilter::createStage(gr_uint32 tile,
 /// The tiles that a scene may show, in their order.
 GR_STATUS GRIMosaicFilter::findTiles(const GRIScene& scene, GRArray<gr_uint32>& hits,
                                      gr_uint32& numHits) const {
-  // A tile's pixels may lie up to a pixel away from its place on the ground.
+  // A tile's pixels may lie up to a pixel of the scene away from its place on the ground, and up to
+  // one of the mosaic, to which its size was rounded up.
   const double mag = scene.getMag();
+  const double margin = 1.0 + std::max(mag, 1.0);
+  // Where the tiles lie, which isn't what a host has made of the mosaic's position since.
+  const GRIGeoCoord& geoCoord = m_layout.getGeoCoord();
   double x0 = 0.0;
   double y0 = 0.0;
   double x1 = 0.0;
   double y1 = 0.0;
-  getGeoCoord().pixelToGeo(scene.getUpperLeftCol() - 1.0, scene.getUpperLeftRow() - 1.0, mag, x0,
-                           y0);
-  getGeoCoord().pixelToGeo(scene.getLowerRightCol() + 1.0, scene.getLowerRightRow() + 1.0, mag, x1,
-                           y1);
+  geoCoord.pixelToGeo(scene.getUpperLeftCol() - margin, scene.getUpperLeftRow() - margin, mag, x0,
+                      y0);
+  geoCoord.pixelToGeo(scene.getLowerRightCol() + margin, scene.getLowerRightRow() + margin, mag, x1,
+                      y1);
   ListImageStagesInSceneCallback callback(hits);
   GR_RETURN_IF_FAILED(m_layout.getTree().search(GRIBox::ofCorners(x0, y0, x1, y1), callback));
   numHits = callback.getNumHits();

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 #include "filters/gri_multiResFilter.h"
 #include "gr_lib_utils/include/gr_status.h"
@@ -13,6 +14,7 @@ namespace {
 constexpr double LARGEST_SIZE = 0x7FFFFFFF;  // columns or rows
 constexpr double RATIO_TOLERANCE = 1e-09;
 constexpr double LARGEST_SHIFT = 1.0;  // of the last pixel, in pixels
+constexpr double LARGEST_STEP = 0.25;  // from one position to the next that there is, in pixels
 
 bool isPowerOfTwo(double ratio) {
   int exponent = 0;
@@ -31,6 +33,13 @@ bool hasArea(const GRIBox& box) {
 gr_uint32 numPixels(double extent, double resolution) {
   const double count = std::floor(extent / resolution + 0.5);
   return count >= 1.0 && count <= LARGEST_SIZE ? static_cast<gr_uint32>(count) : 0;
+}
+
+/// Whether the numbers between two bounds lie close enough together to tell pixels apart.
+bool holdsPixels(double least, double most, double resolution) {
+  const double farthest = std::max(std::fabs(least), std::fabs(most));
+  const double step = std::nextafter(farthest, std::numeric_limits<double>::infinity()) - farthest;
+  return step <= LARGEST_STEP * resolution;
 }
 
 /// A whole number in place of one that is nearly it. Positions on the ground are seldom whole, and
@@ -79,6 +88,7 @@ GR_STATUS GRIMosaicLayout::add(const GRIImageStage& stage) {
   if (m_numTiles == 0) {
     m_xResolution = xResolution;
     m_yResolution = yResolution;
+    m_bounds = tile.box;
   } else {
     const GRIMosaicTile& first = m_tiles[0];
     if ((tile.xResolution < 0.0) != (first.xResolution < 0.0)) {
@@ -92,16 +102,19 @@ GR_STATUS GRIMosaicLayout::add(const GRIImageStage& stage) {
       m_yResolution = std::min(m_yResolution, yResolution);
     }
   }
-  GR_RETURN_IF_FAILED(m_tree.add(tile.box, m_numTiles));
+  m_bounds = m_bounds.unitedWith(tile.box);
   m_tiles[m_numTiles++] = tile;
   return GR_STATUS_OK;
 }
 
 GR_STATUS GRIMosaicLayout::finish() {
-  const GRIBox bounds = m_tree.getBounds();
+  const GRIBox& bounds = m_bounds;
   m_width = numPixels(bounds.getWidth(), m_xResolution);
   m_height = numPixels(bounds.getHeight(), m_yResolution);
-  if (m_width == 0 || m_height == 0) return GRI_STATUS_COMPOSITION_INPUTS;
+  if (m_width == 0 || m_height == 0 || !holdsPixels(bounds.left, bounds.right, m_xResolution) ||
+      !holdsPixels(bounds.top, bounds.bottom, m_yResolution)) {
+    return GRI_STATUS_COMPOSITION_INPUTS;
+  }
   const GRIMosaicTile& first = m_tiles[0];
   const bool isLeftward = first.xResolution < 0.0;
   const bool isUpward = first.yResolution < 0.0;  // of y, from the first row to the last downward
@@ -115,6 +128,7 @@ GR_STATUS GRIMosaicLayout::finish() {
     const double scale = scaleOf(i);
     m_minMagnification = std::min(m_minMagnification, tile.minMagnification / scale);
     m_maxMagnification = std::max(m_maxMagnification, tile.maxMagnification * scale);
+    GR_RETURN_IF_FAILED(m_tree.add(drawnBoxOf(i), i));
   }
   return GR_STATUS_OK;
 }
@@ -149,6 +163,21 @@ double GRIMosaicLayout::getYScale(gr_uint32 tile) const {
 
 double GRIMosaicLayout::scaleOf(gr_uint32 tile) const {
   return std::sqrt(getXScale(tile) * getYScale(tile));
+}
+
+GRIBox GRIMosaicLayout::drawnBoxOf(gr_uint32 tile) const {
+  gr_uint32 width = 0;
+  gr_uint32 height = 0;
+  getDimsAtMag(tile, 1.0, width, height);
+  const double left = getXOffset(tile);
+  const double top = getYOffset(tile);
+  double x0 = 0.0;
+  double y0 = 0.0;
+  double x1 = 0.0;
+  double y1 = 0.0;
+  m_geoCoord.pixelToGeo(left, top, 1.0, x0, y0);
+  m_geoCoord.pixelToGeo(left + width, top + height, 1.0, x1, y1);
+  return GRIBox::ofCorners(x0, y0, x1, y1);
 }
 
 bool GRIMosaicLayout::isScaled(gr_uint32 tile) const {

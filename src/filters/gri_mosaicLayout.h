@@ -21,7 +21,8 @@ struct GRIMosaicTile {
   double xResolution = 1.0;
   double yResolution = -1.0;
 
-  /// The box on the ground; empty or not finite for a position that no image can have.
+  /// The box on the ground, from corner to corner; empty or not finite for a position that no image
+  /// can have.
   GRIBox box;
 };
 
@@ -40,15 +41,18 @@ class GRIMosaicLayout {
   [[nodiscard]] GR_STATUS initialize(gr_uint32 numTiles, const Rules& rules);
   /// Takes the next image.
   /// @return 0; 50211 for a position or size that no image can have; 50206 or 50207 for a
-  ///         resolution of another sign than the first one's; 50216 for memory
+  ///         resolution of another sign than the first one's
   [[nodiscard]] GR_STATUS add(const GRIImageStage& stage);
   /// Lays out the grid, once all images are there.
-  /// @return 0; 50211 for a grid of no or too many columns or rows; 50206, 50207, 50212 or 50213
-  ///         for resolutions that the rules don't let be combined
+  /// @return 0; 50211 for a grid of no or too many columns or rows, or so far away that its pixels
+  ///         have no positions of their own; 50206, 50207, 50212 or 50213 for resolutions that the
+  ///         rules don't let be combined; 50216 for memory
   [[nodiscard]] GR_STATUS finish();
 
   gr_uint32 getNumTiles() const { return m_numTiles; }
   const GRIMosaicTile& getTile(gr_uint32 tile) const { return m_tiles[tile]; }
+  /// The boxes on the ground in which images are drawn: an image whose position is a rotated one is
+  /// drawn upright from its upper left. Complete once the grid is laid out.
   const GRIRTree& getTree() const { return m_tree; }
 
   // Of the mosaic.
@@ -75,11 +79,13 @@ class GRIMosaicLayout {
  private:
   GR_STATUS checkResolutions(const GRIMosaicTile& tile) const;
   double scaleOf(gr_uint32 tile) const;
+  GRIBox drawnBoxOf(gr_uint32 tile) const;
 
   Rules m_rules;
   GRArray<GRIMosaicTile> m_tiles;
   gr_uint32 m_numTiles = 0;  // that have come
   GRIRTree m_tree;
+  GRIBox m_bounds;             // around all images
   double m_xResolution = 0.0;  // without their signs
   double m_yResolution = 0.0;
   GRIGeoCoord m_geoCoord;

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <functional>
 #include <limits>
 #include <vector>
@@ -116,6 +117,21 @@ TEST(GRIMosaicLayoutTest, AMosaicOfAsManyColumnsAsAreCountedDecodesAtItsEnds) {
   ASSERT_EQ(mosaic.filter().getWidth(), 2147483647u);
   EXPECT_EQ(mosaic.decoded({0, 0, 5, 5, 1})[0], 1);
   EXPECT_EQ(mosaic.decoded({2147483637.0, 0, 10, 10, 1})[0], 2);
+}
+
+// Positions are numbers of 53 bits: from 2^50 on, of steps of a quarter.
+TEST(GRIMosaicLayoutTest, PositionsTooFarAwayToTellPixelsApartAreRefused) {
+  for (const double sign : {1.0, -1.0}) {
+    const auto statusAt = [&](double column, double row) {
+      return statusOf({tileAt(column, row, 64, 64), tileAt(column + 64, row, 64, 64)});
+    };
+    const double far = sign * std::ldexp(1.0, 50);
+    const double tooFar = sign * std::ldexp(1.0, 51);
+    EXPECT_EQ(statusAt(far, 0), 0u);
+    EXPECT_EQ(statusAt(0, far), 0u);
+    EXPECT_EQ(statusAt(tooFar + 100 * sign, 0), 50211u);
+    EXPECT_EQ(statusAt(0, tooFar + 100 * sign), 50211u);
+  }
 }
 
 }  // namespace

@@ -259,4 +259,87 @@ TEST(GRIMosaicPictureTest, PixelsOfNoDataOfTheFirstTileCountWhereATileSaysNothin
   EXPECT_EQ(Mosaic({below, above}).decoded({0, 0, 2, 1, 1}), (std::vector<gr_uint8>{7, 41}));
 }
 
+TEST(GRIMosaicPictureTest, AnotherPositionOfTheWholeMovesNoTile) {
+  const Mosaic mosaic({tileAt(0, 0, 10, 10, 1), tileAt(10, 0, 10, 10, 2)});
+  const std::vector<gr_uint8> samples = mosaic.decoded({0, 0, 20, 10, 1});
+  EXPECT_EQ(samples[10], 2);
+  ASSERT_EQ(mosaic.filter().setGeoCoord(GRIGeoCoord(5000, 9000, 0.5, -0.5, 0.1, 0.2)), 0u);
+  EXPECT_EQ(mosaic.decoded({0, 0, 20, 10, 1}), samples);
+}
+
+/// Holds strips of other heights to those of 64 rows.
+void expectSameInStrips(const std::vector<GRITile>& tiles, const GRIScene& scene) {
+  const std::vector<gr_uint8> expected = Mosaic(tiles).decoded(scene);
+  const size_t width = static_cast<size_t>(scene.getNumCols());
+  for (const gr_uint32 stripHeight : {1u, 3u, 7u, 1000u}) {
+    SCOPED_TRACE(testing::Message()
+                 << "magnification " << scene.getMag() << ", strips of " << stripHeight);
+    expectEqual(Mosaic(tiles, {.stripHeight = stripHeight}).decoded(scene), expected, width);
+  }
+}
+
+GRITile withAllMagnifications(GRITile tile, double resolution) {
+  tile.xResolution = resolution;
+  tile.yResolution = -resolution;
+  tile.minMagnification = 1.0 / 16;
+  tile.maxMagnification = 1 << 20;
+  return tile;
+}
+
+// 3 pixels of 1.5 are 5 and not 4.5, of which the last half is several rows of an enlarged scene.
+TEST(GRIMosaicPictureTest, ATileThatWasRoundedUpShowsItsLastRowsInEveryStrip) {
+  const std::vector<GRITile> tiles = {withAllMagnifications(tileAt(6, 6, 10, 10, 100), 1.0),
+                                      withAllMagnifications(tileAt(0, 0, 3, 3, 9), 1.5)};
+  for (const double mag : {2.0, 4.0, 8.0}) {
+    const GRIScene scene(0, 0, 16 * mag, 16 * mag, mag);
+    expectSameInStrips(tiles, scene);
+    const size_t lastRow = static_cast<size_t>(5 * mag) - 1;
+    EXPECT_NE(Mosaic(tiles, {.stripHeight = 1}).decoded(scene)[lastRow * scene.getNumCols()], 0);
+  }
+}
+
+/// Holds windows to what the whole shows there.
+void expectWindowsOfTheWhole(const Mosaic& mosaic, double mag, std::mt19937& random) {
+  gr_uint32 width = 0;
+  gr_uint32 height = 0;
+  ASSERT_EQ(mosaic.filter().getDimsAtMag(mag, width, height), 0u);
+  const std::vector<gr_uint8> whole = mosaic.decoded({0, 0, double(width), double(height), mag});
+  for (int i = 0; i < 30; ++i) {
+    const gr_uint32 left = random() % width;
+    const gr_uint32 top = random() % height;
+    const gr_uint32 numCols = std::min<gr_uint32>(1 + random() % 300, width - left);
+    const gr_uint32 numRows = std::min<gr_uint32>(1 + random() % 30, height - top);
+    SCOPED_TRACE(testing::Message() << left << ", " << top << ": " << numCols << " x " << numRows);
+    std::vector<gr_uint8> expected;
+    for (gr_uint32 row = top; row < top + numRows; ++row) {
+      const gr_uint8* const from = &whole[size_t{row} * width + left];
+      expected.insert(expected.end(), from, from + numCols);
+    }
+    expectEqual(mosaic.decoded({double(left), double(top), double(numCols), double(numRows), mag}),
+                expected, numCols);
+    if (testing::Test::HasFatalFailure()) return;
+  }
+}
+
+// They take up room where they would lie, and are drawn upright all the same.
+TEST(GRIMosaicPictureTest, WindowsOfRotatedTilesShowWhatTheWholeDoes) {
+  std::mt19937 random(34);
+  std::vector<GRITile> tiles = {tileAt(0, 0, 100, 100, 1), tileAt(40, 30, 100, 100, 2),
+                                tileAt(150, 100, 50, 50, 3)};
+  for (GRITile& tile : tiles) tile.xRotation = -0.9;
+  const Mosaic mosaic(tiles);
+  ASSERT_EQ(mosaic.status(), 0u);
+  EXPECT_NE(mosaic.decoded({99, 0, 1, 1, 1})[0], 0);  // outside of the rotated box
+  expectWindowsOfTheWhole(mosaic, 1.0, random);
+}
+
+// From 2^50 on positions are quarters of a pixel, which are many rows of an enlarged scene.
+TEST(GRIMosaicPictureTest, TilesFarAwayShowAllTheirRowsInEveryStrip) {
+  const double far = std::ldexp(1.0, 50);
+  const std::vector<GRITile> tiles = {
+      withAllMagnifications(tileAt(far, far, 3, 3, 1), 1.0),
+      withAllMagnifications(tileAt(far + 3, far + 1, 3, 3, 90), 1.0)};
+  expectSameInStrips(tiles, {0, 0, 6 * 64, 4 * 64, 64});
+}
+
 }  // namespace

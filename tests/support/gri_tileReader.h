@@ -37,6 +37,8 @@ struct GRITile {
   double yOrigin = 0.0;
   double xResolution = 1.0;
   double yResolution = -1.0;
+  double xRotation = 0.0;
+  double yRotation = 0.0;
   double minMagnification = 1.0;
   double maxMagnification = 1.0;
   gr_uint8 base = 0;                ///< what tells its pixels from those of other tiles
@@ -93,7 +95,7 @@ class GRITileReader final : public GRIGeoImageReader {
     if (!m_tile.name.empty()) GR_RETURN_IF_FAILED(access.setInputName(m_tile.name.c_str()));
     if (m_tile.fileSize > 0) GR_RETURN_IF_FAILED(access.setInputFileSize(m_tile.fileSize));
     GRIGeoCoord geoCoord(m_tile.xOrigin, m_tile.yOrigin, m_tile.xResolution, m_tile.yResolution,
-                         0.0, 0.0);
+                         m_tile.xRotation, m_tile.yRotation);
     if (!m_tile.wkt.empty()) geoCoord.setWKT(m_tile.wkt.c_str());
     return setGeoCoord(geoCoord);
   }
