@@ -38,8 +38,9 @@ GR_STATUS GRIEmbeddedImage::place(const GRIScene& scene, GRIPlacement& placement
   gr_uint32 width = 0;
   gr_uint32 height = 0;
   placement = GRIPlacement();
-  // An image that hasn't this magnification shows nothing.
-  if (!GR_SUCCESS(getPreviousStage()->getDimsAtMag(mag, width, height))) return GR_STATUS_OK;
+  const GR_STATUS status = getPreviousStage()->getDimsAtMag(mag, width, height);
+  if (status == GR_STATUS_OUT_OF_RANGE) return GR_STATUS_OK;  // it hasn't this magnification
+  GR_RETURN_IF_FAILED(status);
   return placement.initialize(scene, getOffsetX(mag), getOffsetY(mag), width, height);
 }
 
@@ -93,13 +94,12 @@ GR_STATUS GRIEmbeddedImage::beginRows(gr_int32 firstRow, gr_int32 numRows) {
   const bool isWholeStrip = static_cast<gr_uint32>(numRows) == getStripHeight();
   const gr_int32 count = isWholeStrip ? rowsLeft : numRows;
   const GRIScene& whole = m_placement.imageScene;
-  GR_RETURN_IF_FAILED(getPreviousStage()->readBegin(
-      GRIScene(whole.getUpperLeftCol(), whole.getUpperLeftRow() + firstRow, whole.getWidth(), count,
-               whole.getMag())));
-  m_isReading = true;
   m_rowsNext = firstRow;
   m_rowsEnd = firstRow + count;
-  return GR_STATUS_OK;
+  m_isReading = true;  // also when it fails: it may have begun all the same
+  return getPreviousStage()->readBegin(GRIScene(whole.getUpperLeftCol(),
+                                                whole.getUpperLeftRow() + firstRow,
+                                                whole.getWidth(), count, whole.getMag()));
 }
 
 GR_STATUS GRIEmbeddedImage::endRows() {

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "gr_lib_utils/include/gr_memory.h"
+#include "image/gri_imageFilter.h"
 #include "tests/support/gri_tileReader.h"
 
 namespace {
@@ -233,6 +234,30 @@ TEST_F(GRIEmbeddedImageTest, MapsASceneToTheImage) {
   EXPECT_TRUE(m_embedded->mapScene({5, 0, 100, 4, 1}, clipped));
   EXPECT_EQ(clipped, GRIScene(2, 0, 8, 2, 1));
   EXPECT_FALSE(m_embedded->mapScene({13, 0, 100, 4, 1}, clipped));
+}
+
+/// Can't tell how large it is.
+class GRISizelessImage final : public GRIImageFilter {
+ public:
+  explicit GRISizelessImage(GR_STATUS status) : m_status(status) {}
+  GR_STATUS getDimsAtMag(double, gr_uint32&, gr_uint32&) const override { return m_status; }
+
+ private:
+  GR_STATUS m_status;
+};
+
+TEST_F(GRIEmbeddedImageTest, OnlyAnImageWithoutTheMagnificationShowsNothing) {
+  for (const GR_STATUS status : {GR_STATUS{3}, GR_STATUS{8}, GR_STATUS{4711}}) {
+    GRIImageFilter* sizeless = gr_makeUnique<GRISizelessImage>(status).release();
+    auto reader =
+        GRUtilSmartPointer<GRITileReader>(gr_makeUnique<GRITileReader>(m_tile, 0, m_log).release());
+    ASSERT_EQ(reader->initialize(), 0u);
+    sizeless->initialize(reader.detach());
+    m_embedded = GRUtilSmartPointer<GRIEmbeddedImage>(gr_makeUnique<GRIEmbeddedImage>().release());
+    ASSERT_EQ(m_embedded->initialize(sizeless, 40, 30, 0, 0, 0.25, 4.0, nullptr, nullptr), 0u);
+    EXPECT_EQ(m_embedded->decodeBegin({0, 0, 40, 30, 1}), status == 3 ? 0u : status);
+    EXPECT_FALSE(m_embedded->touchesImage());
+  }
 }
 
 }  // namespace

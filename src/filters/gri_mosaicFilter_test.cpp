@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "image/gri_delegates.h"
 #include "metadata/gri_metadataAcc.h"
 #include "tests/support/gri_testMosaic.h"
 
@@ -133,6 +134,44 @@ TEST(GRIMosaicFilterTest, AFailingTileEndsTheDecodeAndTheMosaicGoesOn) {
   mosaic.manager().tiles()[0].failure = 0;
   mosaic.manager().tiles()[0].width = 11;
   EXPECT_EQ(mosaic.decode({0, 0, 20, 10, 1}, samples), 50205u);
+}
+
+/// Stops what asks it for the n-th time.
+class StopDelegate : public GRIInterruptDelegate {
+ public:
+  explicit StopDelegate(int number) : m_left(number) {}
+  GR_STATUS getInterruptStatus() override { return --m_left == 0 ? 4711 : 0; }
+
+ private:
+  int m_left;
+};
+
+TEST(GRIMosaicFilterTest, WhereverADecodeIsStoppedEachTileThatBeganIsEnded) {
+  std::vector<GRITile> tiles = {tileAt(0, 0, 10, 20), tileAt(10, 5, 5, 5), tileAt(15, 3, 4, 4)};
+  tiles[1].xResolution = 1.5;
+  tiles[1].yResolution = -1.5;
+  int number = 0;
+  for (bool isStopped = true; isStopped;) {
+    SCOPED_TRACE(++number);
+    ASSERT_LT(number, 200);
+    const Mosaic mosaic(tiles, {.stripHeight = 4, .releasesTiles = false});
+    StopDelegate delegate(number);
+    mosaic.filter().setInterruptDelegate(&delegate);
+    std::vector<gr_uint8> samples;
+    const GR_STATUS status = mosaic.decode({0, 0, 19, 20, 1}, samples);
+    isStopped = status != 0;
+    ASSERT_EQ(status, isStopped ? 4711u : 0u);
+    const Calls& calls = mosaic.log().calls;
+    const auto countOf = [&](const char* call) {
+      return std::count_if(calls.begin(), calls.end(), [&](const std::string& text) {
+        return text.find(call) != std::string::npos;
+      });
+    };
+    EXPECT_EQ(countOf("begin"), countOf("end"));
+    mosaic.filter().setInterruptDelegate(nullptr);
+    EXPECT_EQ(mosaic.decoded({0, 0, 19, 20, 1}), Mosaic(tiles).decoded({0, 0, 19, 20, 1}));
+  }
+  EXPECT_GT(number, 20);
 }
 
 TEST(GRIMosaicFilterTest, LiesWhereItsTilesLie) {

@@ -88,9 +88,8 @@ GR_STATUS GRIMultiResFilter::decodeBegin(const GRIScene& scene) {
   m_stripRows =
       m_mode == Mode::PASS ? getStripHeight() : rowsPerImageStrip(m_imageScene.getNumCols());
   GR_RETURN_IF_FAILED(image.setStripHeight(m_stripRows));
-  GR_RETURN_IF_FAILED(image.readBegin(m_imageScene));
-  m_isReading = true;
-  return GR_STATUS_OK;
+  m_isReading = true;  // also when it fails: it may have begun all the same
+  return image.readBegin(m_imageScene);
 }
 
 GR_STATUS GRIMultiResFilter::chooseMode(const GRIScene& scene) {
