@@ -92,10 +92,10 @@ class Window {
   gr_uint32 m_count;
 };
 
-/// The byte before `next` that counts: 0x00 doesn't behind a 0xFF from `begin` on.
+/// The byte before `next` that counts: from `begin` on, what follows 0xFF is the 0x00 that doesn't.
 const gr_uint8* ByteBefore(const gr_uint8* begin, const gr_uint8* next) {
   --next;
-  return *next == 0 && next != begin && next[-1] == 0xFF ? next - 1 : next;
+  return next != begin && next[-1] == 0xFF ? next - 1 : next;
 }
 
 /// Moves a place to the next bit of a window that began there.
