@@ -5,6 +5,7 @@
 #include <bit>
 #include <cstring>
 
+#include "gr_lib_tg2kernel/src/decode/tg2_imageReader.h"
 #include "image/gri_geoCoord.h"
 #include "metadata/gri_metadataAcc.h"
 #include "tests/support/tesra_picture.h"
@@ -189,6 +190,26 @@ TEST(TG2OpenTest, OpensAllTheSameWithAPositionInAnotherForm) {
   TesraPicture picture(fileOf(image).bytes);
   ASSERT_EQ(picture.status(), GR_STATUS_OK);
   EXPECT_TRUE(picture.reader().isGeoCoordImplicit());
+}
+
+TEST(TG2OpenTest, TakesThePositionOfAWorldFileBeforeThatOfTheRecords) {
+  TG2TestImage image = smallImage();
+  image.records = {doublesRecord("IMAGE::XY_ORIGIN", {1000, 2000}),
+                   doublesRecord("IMAGE::X_RESOLUTION", {2.5}),
+                   doublesRecord("IMAGE::Y_RESOLUTION", {-3.5})};
+  const std::string text = "4\n0\n0\n-5\n300\n400\n";
+  const std::unique_ptr<GRIOStreamInf> stream = tg3_memoryStream(fileOf(image).bytes);
+  const std::unique_ptr<GRIOStreamInf> worldStream =
+      tg3_memoryStream({reinterpret_cast<const gr_uint8*>(text.data()), text.size()});
+  const GRUtilSmartPointer<TG2ImageReader> reader(gr_makeUnique<TG2ImageReader>().release());
+  EXPECT_EQ(reader->getSourceFileSize(), -1);
+  ASSERT_EQ(
+      reader->initialize(*stream, worldStream.get(), TESRA_MEMORY_DEFAULT, TESRA_STREAM_KEEP_OPEN),
+      GR_STATUS_OK);
+  EXPECT_EQ(reader->getGeoCoord().getXOrigin(), 300.0);
+  EXPECT_EQ(reader->getGeoCoord().getYOrigin(), 400.0);
+  EXPECT_EQ(reader->getGeoCoord().getXResolution(), 4.0);
+  EXPECT_EQ(reader->getGeoCoord().getYResolution(), -5.0);
 }
 
 TEST(TG2OpenTest, RecordsWhereTheImageCameFromUnlessTheFileSays) {

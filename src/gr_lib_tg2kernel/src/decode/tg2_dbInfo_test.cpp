@@ -95,6 +95,7 @@ TEST(TG2BlockIteratorTest, WalksJustTheBlocksThatMeetARectangleRowByRow) {
     const RandomGrid grid(random);
     PlainSubband subband(grid.rects, 60, 60);
     ASSERT_EQ(subband.status, GR_STATUS_OK);
+    for (const TG2Rect& block : grid.rects) EXPECT_TRUE(subband.getSupport().contains(block));
     TG2Rect rect;
     rect.x0 = static_cast<gr_int32>(random() % 50);
     rect.y0 = static_cast<gr_int32>(random() % 50);

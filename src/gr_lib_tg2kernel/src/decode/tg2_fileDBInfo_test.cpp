@@ -280,6 +280,7 @@ TEST(TG2FileDBInfoTest, ClonesItselfOnAStreamOfItsOwn) {
   ASSERT_NE(clone, nullptr);
   EXPECT_FALSE(clone->isShared());
   EXPECT_TRUE(clone->addsNoise());
+  EXPECT_EQ(clone->getEncryption(), index.info().getEncryption());
   EXPECT_EQ(clone->getNumSubbands(), 7u);
 
   // Both read in turns, and neither moves the other.
