@@ -89,7 +89,11 @@ std::vector<gr_uint8> tg3_lockBody(const TG3TestLock& lock) {
       encryption.encrypt(contentKey);
       body.put(contentKey);
     }
-    if (lock.isLegacy || lock.providerType != 5) body.put(gr_sha1(password));
+    if (lock.isLegacy || lock.providerType != 5) {
+      GRSha1Digest digest{};
+      static_cast<void>(gr_sha1(password, digest));
+      body.put(digest);
+    }
     if (lock.isLegacy) body.put(lock.usesGuid, 1);
   }
   return body.bytes();

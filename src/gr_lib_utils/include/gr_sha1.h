@@ -9,5 +9,7 @@
 
 using GRSha1Digest = std::array<gr_uint8, 20>;
 
-/// The digest of some bytes.
-GRSha1Digest gr_sha1(std::span<const gr_uint8> bytes);
+/// Digests some bytes, and leaves no copy of them anywhere.
+/// @param digest  receives it
+/// @return 0; 8 for memory; 1 where the machine forbids this digest
+[[nodiscard]] GR_STATUS gr_sha1(std::span<const gr_uint8> bytes, GRSha1Digest& digest);

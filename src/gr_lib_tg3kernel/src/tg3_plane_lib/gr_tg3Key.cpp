@@ -10,6 +10,11 @@ namespace {
 constexpr int MOST_ATTEMPTS = 3;
 constexpr gr_uint8 TYPE_WITHOUT_DIGEST = 5;
 
+// What a failure of the cipher or the digest is here.
+GR_STATUS statusOf(GR_STATUS status) {
+  return status == GR_STATUS_NO_MEMORY ? TG3_STATUS_NO_MEMORY : TG3_STATUS_SECURITY;
+}
+
 }  // namespace
 
 GR_STATUS GRTG3Key::readData(GRFieldReader& fields, bool isLegacy) {
@@ -58,7 +63,10 @@ GR_STATUS GRTG3Key::unlock(const KeyProviderRegistry& providers, const char* des
       return TG3_STATUS_SECURITY;
     }
     if (Encryption::checkKey(password.size()) != Encryption::KEY_OK) continue;
-    if (gr_sha1(password.span()) != *m_digest) {
+    GRSha1Digest digest{};
+    const GR_STATUS status = gr_sha1(password.span(), digest);
+    if (!GR_SUCCESS(status)) return statusOf(status);
+    if (digest != *m_digest) {
       provider->reportFailure();
       return TG3_STATUS_SECURITY;
     }
@@ -81,8 +89,7 @@ GR_STATUS GRTG3Key::takeContentKey(std::span<const gr_uint8> password) {
       m_contentKey.clear();
     }
   } catch (const GRUtilException& exception) {
-    return exception.getStatus() == GR_STATUS_NO_MEMORY ? TG3_STATUS_NO_MEMORY
-                                                        : TG3_STATUS_SECURITY;
+    return statusOf(exception.getStatus());
   }
   m_digest.reset();
   return GR_STATUS_OK;
