@@ -3,6 +3,7 @@
 /// It stands this low because the kernels of both generations implement it.
 #pragma once
 
+#include "gr_lib_utils/include/gr_contentKeys.h"
 #include "gr_lib_utils/include/gr_types.h"
 #include "image/tesra_encryptImp.h"
 #include "image/tesra_passwordDelegate.h"
@@ -41,6 +42,10 @@ class TesraImageReaderInterface {
   }
   TesraPasswordDelegate* getPasswordDelegate() const { return m_keyProvider.getDelegate(); }
 
+  /// Lends the reader the keys that earlier readers of its image have proved; it adds its own.
+  /// @param keys  the caller's, and they outlive the reader; null for none
+  void setContentKeys(GRContentKeys* keys) { m_contentKeys = keys; }
+
  protected:
   TesraImageReaderInterface() { m_keyProviders.add(m_keyProvider); }
   TesraImageReaderInterface(const TesraImageReaderInterface&) = delete;
@@ -48,8 +53,10 @@ class TesraImageReaderInterface {
 
   /// Who is asked for the keys of a lock: the delegate, for passwords.
   const KeyProviderRegistry& getKeyProviders() const { return m_keyProviders; }
+  GRContentKeys* getContentKeys() const { return m_contentKeys; }
 
  private:
   EncryptImp m_keyProvider;
   KeyProviderRegistry m_keyProviders;
+  GRContentKeys* m_contentKeys = nullptr;
 };

@@ -149,6 +149,7 @@ GR_STATUS TesraImageStageManager::createTG2Reader(Image& image, GRIImageStage*& 
         reader->initialize(std::move(stream), nullptr, m_memoryUsage, m_streamUsage));
   }
   reader->setPasswordDelegate(m_passwordDelegate);
+  reader->setContentKeys(&image.contentKeys);
   image.numLevels = reader->getNumLevels();
   image.locked = reader->isLocked();
   stage = reader.detach();
@@ -160,6 +161,7 @@ GR_STATUS TesraImageStageManager::createTG3Reader(Image& image, GRIImageStage*& 
   if (!reader) return GR_STATUS_NO_MEMORY;
   GR_RETURN_IF_FAILED(reader->initialize(*m_container, image.imageId, nullptr, m_memoryUsage));
   reader->setPasswordDelegate(m_passwordDelegate);
+  reader->setContentKeys(&image.contentKeys);
   image.numLevels = reader->getNumLevels();
   image.locked = reader->isLocked();
   stage = reader.detach();

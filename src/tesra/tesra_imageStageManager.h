@@ -4,6 +4,7 @@
 
 #include <memory>
 
+#include "gr_lib_utils/include/gr_contentKeys.h"
 #include "gr_lib_utils/include/gr_fileSpec.h"
 #include "gr_lib_utils/include/gr_ioStream.h"
 #include "gr_lib_utils/include/gr_memory.h"
@@ -15,7 +16,8 @@ class TG3FileSimpleContainer;
 /// Looks at the first bytes of a file, tells which generation wrote it and how many images it
 /// holds, and makes a reader for each of them.
 ///
-/// The readers use the stream and the container of the manager, which must outlive them.
+/// The readers use the stream and the container of the manager, which must outlive them. Keys that
+/// they prove for a locked image stay with the manager: later readers of it don't ask again.
 class TesraImageStageManager : public GRIImageStageManager {
  public:
   TesraImageStageManager();
@@ -46,6 +48,7 @@ class TesraImageStageManager : public GRIImageStageManager {
     Kind kind = Kind::TG3;
     gr_uint8 numLevels = 0;
     bool locked = false;
+    GRContentKeys contentKeys;  ///< those that its readers have proved, for the next ones
   };
   const GRArray<Image>& getImages() const { return m_images; }
 

@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <string>
+
 #include "gr_lib_utils/include/gr_smartPointer.h"
 #include "image/gri_sceneBuffer.h"
 #include "tesra/tesra_imageReader.h"
@@ -21,17 +24,23 @@ std::vector<float> floatsOf(const std::vector<gr_int32>& samples) {
 
 /// Tiles side by side. Those of generation 2 have the position of an image that states none, so one
 /// of them comes first if any does.
-TesraBytes mosaicOf(const std::vector<Kind>& kinds) {
+/// @param passwords  of tile after tile, the last one of the rest
+TesraBytes mosaicOf(const std::vector<Kind>& kinds,
+                    const std::vector<std::string>& passwords = {"sesame"}) {
   TG3Writer writer;
   for (gr_uint32 number = 0; number < kinds.size(); ++number) {
     TG3TestImage image = tesra_grayImage(SIDE, SIDE, 2);
     image.image = number;
     const TesraSamples samples = tesra_noise(image);
+    const std::string& password = passwords[std::min<size_t>(number, passwords.size() - 1)];
+    const TG3TestLock lock = {.passwords = {password}};
     if (kinds[number] == Kind::OLDER || kinds[number] == Kind::OLDER_LOCKED) {
       TG2TestImage older;
       older.width = SIDE;
       older.height = SIDE;
-      if (kinds[number] == Kind::OLDER_LOCKED) older = tg2_locked(older);
+      if (kinds[number] == Kind::OLDER_LOCKED) {
+        older = tg2_locked(older, {.password = password});
+      }
       const TesraBytes file = tg2_writeImage(older, {floatsOf(samples[0])}).bytes;
       writer.addPacket({.type = 7, .image = number}, file);
       continue;
@@ -44,8 +53,8 @@ TesraBytes mosaicOf(const std::vector<Kind>& kinds) {
       writer.addImage(image, samples);
       continue;
     }
-    writer.addImage(tg3_locked(image, {}), samples);
-    writer.addPacket(tg3_lockPacket({}, number), tg3_lockBody({}));
+    writer.addImage(tg3_locked(image, lock), samples);
+    writer.addPacket(tg3_lockPacket(lock, number), tg3_lockBody(lock));
   }
   return writer.bytes();
 }
@@ -110,6 +119,32 @@ TEST(TesraMosaicLockTest, TilesOfTheOlderGenerationHaveTheirOwnStatuses) {
   EXPECT_EQ(samples, expected);
 }
 
+TEST(TesraMosaicLockTest, StaysOpenWhateverIsSetLater) {
+  for (const Kind first : {Kind::LOCKED, Kind::OLDER_LOCKED}) {
+    const TesraHandle handle(mosaicOf({first, Kind::LOCKED}));
+    setPassword(handle, "sesame");
+    TesraBytes expected;
+    ASSERT_EQ(decode(handle, 0, 2, expected), 0u);
+    for (const char* later : {"wrong", ""}) {
+      setPassword(handle, later);
+      TesraBytes samples;
+      EXPECT_EQ(decode(handle, 0, 2, samples), 0u);
+      EXPECT_EQ(samples, expected);
+    }
+  }
+}
+
+TEST(TesraMosaicLockTest, TilesOfDifferentPasswordsOpenOneAfterTheOther) {
+  for (const Kind first : {Kind::LOCKED, Kind::OLDER_LOCKED}) {
+    const TesraHandle handle(mosaicOf({first, Kind::LOCKED}, {"left", "right"}));
+    setPassword(handle, "left");
+    EXPECT_EQ(decodeStatus(handle, 0, 1), 0u);
+    EXPECT_EQ(decodeStatus(handle, 0, 2), 2011u);
+    setPassword(handle, "right");
+    EXPECT_EQ(decodeStatus(handle, 0, 2), 0u);
+  }
+}
+
 /// Gives a password, and counts.
 class CountingDelegate : public TesraPasswordDelegate {
  public:
@@ -125,6 +160,28 @@ class CountingDelegate : public TesraPasswordDelegate {
  private:
   const char* m_password;
 };
+
+GRUtilSmartPointer<TesraImageReader> openReader(const TesraFile& file) {
+  GRUtilSmartPointer<TesraImageReader> reader(gr_makeUnique<TesraImageReader>().release());
+  EXPECT_EQ(reader->initialize(GRFileSpec(file.path().c_str()), false, TESRA_MEMORY_DEFAULT,
+                               TESRA_STREAM_CLOSE),
+            0u);
+  return reader;
+}
+
+TEST(TesraMosaicLockTest, AsksOnceForEachLockedTileWhateverIsReadLater) {
+  const TesraFile file(mosaicOf({Kind::OLDER_LOCKED, Kind::LOCKED, Kind::OPEN}));
+  const GRUtilSmartPointer<TesraImageReader> reader = openReader(file);
+  CountingDelegate delegate("sesame");
+  reader->setPasswordDelegate(&delegate);
+  TesraBytes samples(size_t{3} * SIDE * SIDE);
+  void* band = samples.data();
+  for (int scene = 0; scene < 3; ++scene) {
+    GRISceneBuffer buffer(reader->getPixelProps(), 3 * SIDE, SIDE, &band);
+    EXPECT_EQ(reader->read(GRIScene(0, 0, 3 * SIDE, SIDE, 1.0), buffer), 0u);
+    EXPECT_EQ(delegate.timesAsked, 2);
+  }
+}
 
 TEST(TesraMosaicLockTest, ADelegateThatComesInASceneReachesTilesThatAreOpen) {
   // Two tiles of two strips, whose lower ends alone are locked.
@@ -143,11 +200,7 @@ TEST(TesraMosaicLockTest, ADelegateThatComesInASceneReachesTilesThatAreOpen) {
     writer.addPacket(tg3_lockPacket(lock, number), tg3_lockBody(lock));
   }
   const TesraFile file(writer.bytes());
-  const GRUtilSmartPointer<TesraImageReader> reader(gr_makeUnique<TesraImageReader>().release());
-  ASSERT_EQ(reader->initialize(GRFileSpec(file.path().c_str()), false, TESRA_MEMORY_DEFAULT,
-                               TESRA_STREAM_CLOSE),
-            0u);
-
+  const GRUtilSmartPointer<TesraImageReader> reader = openReader(file);
   constexpr gr_uint32 STRIP = TesraImageReader::STRIP_HEIGHT;
   TesraBytes samples(size_t{2} * SIDE * STRIP);
   void* band = samples.data();

@@ -6,6 +6,7 @@
 #include <memory>
 #include <span>
 
+#include "gr_lib_utils/include/gr_secret.h"
 #include "gr_lib_utils/include/gr_types.h"
 
 struct gcry_cipher_handle;
@@ -42,7 +43,9 @@ class Encryption {
   void setKey(const char* text);
   void setKey(std::span<const gr_uint8> key);
   bool isKeySet() const { return m_cipher != nullptr; }
-  void clearKey() { m_cipher.reset(); }
+  /// The bytes of the key, until it changes; none while no key is set.
+  std::span<const gr_uint8> getKey() const { return m_key.span(); }
+  void clearKey();
 
   /// Enciphers or deciphers bytes in place, always from the same vector: two calls never chain.
   /// Without a key they do nothing.
@@ -54,4 +57,5 @@ class Encryption {
     void operator()(gcry_cipher_handle* cipher) const;
   };
   std::unique_ptr<gcry_cipher_handle, Closer> m_cipher;  // null while no key is set
+  GRSecret m_key;
 };

@@ -26,6 +26,11 @@ Encryption::KeyCheck Encryption::checkKey(size_t length) {
   return length > LONGEST_KEY ? KEY_TOO_LONG : KEY_OK;
 }
 
+void Encryption::clearKey() {
+  m_cipher.reset();
+  m_key.clear();
+}
+
 void Encryption::setKey(const char* text) {
   setKey({reinterpret_cast<const gr_uint8*>(text), std::strlen(text)});
 }
@@ -47,6 +52,7 @@ void Encryption::setKey(std::span<const gr_uint8> key) {
       error != 0 && gcry_err_code(error) != GPG_ERR_WEAK_KEY) {
     throwFor(error);
   }
+  if (!GR_SUCCESS(m_key.assign(key))) throw GRUtilException(GR_STATUS_NO_MEMORY);
   m_cipher = std::move(cipher);
 }
 

@@ -176,7 +176,16 @@ gr_int64 TG2ImageReader::getSourceFileSize() const {
 
 GR_STATUS TG2ImageReader::unlock() {
   if (!m_isLocked) return GR_STATUS_OK;
-  return tesraUnlock(getMetadata(), m_encryption, getKeyProviders());
+  GRContentKeys* const known = getContentKeys();
+  if (known != nullptr && !m_encryption.isKeySet() && !known->find(0).empty()) {
+    try {
+      m_encryption.setKey(known->find(0));
+    } catch (const GRUtilException& exception) {
+      return exception.getStatus();
+    }
+  }
+  GR_RETURN_IF_FAILED(tesraUnlock(getMetadata(), m_encryption, getKeyProviders()));
+  return known != nullptr ? known->keep(0, m_encryption.getKey()) : GR_STATUS_OK;
 }
 
 GR_STATUS TG2ImageReader::decodeBegin(const GRIScene& scene) {

@@ -169,7 +169,10 @@ GR_STATUS TG3SingleImageReader::createTool() {
   if (planeSource == nullptr) return GR_STATUS_NO_MEMORY;
   GR_RETURN_IF_FAILED(
       planeSource->initialize(*m_container, m_imageSource->getImageNumber(), m_memoryUsage));
-  if (GRLock* const lock = planeSource->getLock()) lock->setKeyProviders(&getKeyProviders());
+  if (GRLock* const lock = planeSource->getLock()) {
+    lock->setKeyProviders(&getKeyProviders());
+    lock->setContentKeys(getContentKeys());
+  }
 
   std::unique_ptr<TG3FileSimpleDecoderTool> made = gr_makeUnique<TG3FileSimpleDecoderTool>();
   if (made == nullptr) return GR_STATUS_NO_MEMORY;

@@ -60,12 +60,20 @@ GR_STATUS GRLock::decipher(const TG3PlaneDesc& plane, std::span<gr_uint8> bytes)
   const auto number = static_cast<gr_uint32>(index);
   if (number >= m_keys.size()) return TG3_STATUS_SECURITY;
   GRTG3Key& key = m_keys[number];
-  if (!key.haveContentKey()) {
-    if (m_providers == nullptr) return TG3_STATUS_SECURITY;
-    GR_RETURN_IF_FAILED(key.unlock(*m_providers, getKeyDescription(number).data()));
-  }
+  if (!key.haveContentKey()) GR_RETURN_IF_FAILED(unlock(key, number));
   key.decrypt(bytes);
   return GR_STATUS_OK;
+}
+
+GR_STATUS GRLock::unlock(GRTG3Key& key, gr_uint32 number) {
+  if (m_contentKeys != nullptr && !m_contentKeys->find(number).empty()) {
+    return key.setContentKey(m_contentKeys->find(number));
+  }
+  if (m_providers == nullptr) return TG3_STATUS_SECURITY;
+  GR_RETURN_IF_FAILED(key.unlock(*m_providers, getKeyDescription(number).data()));
+  if (m_contentKeys == nullptr) return GR_STATUS_OK;
+  return GR_SUCCESS(m_contentKeys->keep(number, key.getContentKey())) ? GR_STATUS_OK
+                                                                      : TG3_STATUS_NO_MEMORY;
 }
 
 GR_STATUS GRLockImage::getKeyIndex(const TG3PlaneDesc& /*plane*/, gr_int32& index) {

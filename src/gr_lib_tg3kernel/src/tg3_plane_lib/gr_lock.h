@@ -8,6 +8,7 @@
 #include "gr_lib_tg3kernel/src/tg3_packet_lib/tg3_securityPacket.h"
 #include "gr_lib_tg3kernel/src/tg3_plane_lib/gr_tg3Key.h"
 #include "gr_lib_tg3kernel/src/tg3_plane_lib/tg3_planeLock.h"
+#include "gr_lib_utils/include/gr_contentKeys.h"
 
 class TG3ImageInfo;
 class TG3SubblockRectLocator;
@@ -37,6 +38,9 @@ class GRLock : public TG3PlaneLock {
 
   /// Who is asked for keys; the caller's, and it outlives the lock. Null for nobody.
   void setKeyProviders(const KeyProviderRegistry* providers) { m_providers = providers; }
+  /// Where keys are that earlier locks of the image got, and where this one's go; the caller's, and
+  /// they outlive the lock. Null for nowhere.
+  void setContentKeys(GRContentKeys* keys) { m_contentKeys = keys; }
   /// Lets keys be asked for again that nobody had: there may be somebody now.
   void allowAsking();
 
@@ -51,9 +55,11 @@ class GRLock : public TG3PlaneLock {
 
  private:
   GR_STATUS readKeys(GRFieldReader& fields, bool isLegacy);
+  GR_STATUS unlock(GRTG3Key& key, gr_uint32 number);
 
   GRArray<GRTG3Key> m_keys;
   const KeyProviderRegistry* m_providers = nullptr;
+  GRContentKeys* m_contentKeys = nullptr;
 };
 
 /// Locks an image as a whole.

@@ -76,21 +76,26 @@ GR_STATUS GRTG3Key::unlock(const KeyProviderRegistry& providers, const char* des
 }
 
 GR_STATUS GRTG3Key::takeContentKey(std::span<const gr_uint8> password) {
+  if (m_isLegacy) return setContentKey(password);
+  GRSecret contentKey;
+  if (!GR_SUCCESS(contentKey.assign(m_contentKey.span()))) return TG3_STATUS_NO_MEMORY;
   try {
-    if (m_isLegacy) {
-      m_cipher.setKey(password);
-    } else {
-      GRSecret contentKey;
-      if (!GR_SUCCESS(contentKey.assign(m_contentKey.span()))) return TG3_STATUS_NO_MEMORY;
-      Encryption withPassword;
-      withPassword.setKey(password);
-      withPassword.decrypt(contentKey.span());
-      m_cipher.setKey(contentKey.span());
-      m_contentKey.clear();
-    }
+    Encryption withPassword;
+    withPassword.setKey(password);
+    withPassword.decrypt(contentKey.span());
   } catch (const GRUtilException& exception) {
     return statusOf(exception.getStatus());
   }
+  return setContentKey(contentKey.span());
+}
+
+GR_STATUS GRTG3Key::setContentKey(std::span<const gr_uint8> contentKey) {
+  try {
+    m_cipher.setKey(contentKey);
+  } catch (const GRUtilException& exception) {
+    return statusOf(exception.getStatus());
+  }
+  m_contentKey.clear();
   m_digest.reset();
   return GR_STATUS_OK;
 }

@@ -39,6 +39,12 @@ class GRTG3Key {
   [[nodiscard]] GR_STATUS unlock(const KeyProviderRegistry& providers, const char* description);
   void allowAsking() { m_mayAsk = true; }
 
+  /// The content key in clear; none while haveContentKey() doesn't hold.
+  std::span<const gr_uint8> getContentKey() const { return m_cipher.getKey(); }
+  /// Unlocks with a content key that an earlier reader of the image got.
+  /// @return 0; 2012 for memory; 2011 for a key that can't be one
+  [[nodiscard]] GR_STATUS setContentKey(std::span<const gr_uint8> contentKey);
+
   /// Deciphers bytes in place; haveContentKey() holds.
   void decrypt(std::span<gr_uint8> bytes) { m_cipher.decrypt(bytes); }
 
