@@ -33,7 +33,9 @@ TesraImageReader::~TesraImageReader() { GRIImageFilter::initialize(nullptr); }
 GR_STATUS TesraImageReader::makeManager() {
   m_manager =
       GRUtilSmartPointer<TesraImageStageManager>(gr_makeUnique<TesraImageStageManager>().release());
-  return m_manager ? GR_STATUS_OK : GR_STATUS_NO_MEMORY;
+  if (!m_manager) return GR_STATUS_NO_MEMORY;
+  m_manager->setPasswordDelegate(getPasswordDelegate());
+  return GR_STATUS_OK;
 }
 
 GR_STATUS TesraImageReader::initialize(const GRFileSpec& path, bool useWorldFile,

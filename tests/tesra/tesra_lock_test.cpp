@@ -298,8 +298,10 @@ class CountingDelegate : public TesraPasswordDelegate {
 /// A reader of a file with a lock, as the C interface makes it.
 class LockedReader {
  public:
-  explicit LockedReader(const TesraBytes& bytes)
+  /// @param early  a delegate that is set before the file is opened
+  explicit LockedReader(const TesraBytes& bytes, TesraPasswordDelegate* early = nullptr)
       : m_file(bytes), m_reader(gr_makeUnique<TesraImageReader>().release()) {
+    m_reader->setPasswordDelegate(early);
     EXPECT_EQ(m_reader->initialize(GRFileSpec(m_file.path().c_str()), false, TESRA_MEMORY_DEFAULT,
                                    TESRA_STREAM_CLOSE),
               0u);
@@ -329,6 +331,13 @@ TEST(TesraLockTest, AsksOnceForEachKeyWhateverIsRead) {
     EXPECT_EQ(delegate.timesAsked, static_cast<int>(lock.numKeys()));
     EXPECT_EQ(delegate.timesReported, 0);
   }
+}
+
+TEST(TesraLockTest, AsksADelegateThatWasThereBeforeTheFile) {
+  CountingDelegate delegate("sesame");
+  const LockedReader reader(fileOf({}), &delegate);
+  EXPECT_EQ(reader.read(), 0u);
+  EXPECT_EQ(delegate.timesAsked, 1);
 }
 
 TEST(TesraLockTest, TellsTheDelegateThatItsPasswordWasWrong) {
