@@ -258,4 +258,64 @@ TEST(TesraMosaicTest, AMillionEmptyHeadersAreRefused) {
   EXPECT_EQ(openStatus(fewer.bytes()), 2001u);
 }
 
+// Opens and decodes, also at the least magnification; that it comes back is what is tested.
+void openAndDecode(const TesraBytes& bytes) {
+  const TesraHandle handle(bytes);
+  if (handle.status() != 0) return;
+  const gr_uint32 width = std::min(gric_getWidth(handle.image()), 40u);
+  const gr_uint32 height = std::min(gric_getHeight(handle.image()), 20u);
+  for (const double mag : {1.0, 2.0}) {
+    static_cast<void>(handle.decodeStatus(0, 0, width, height, mag));
+  }
+  const double least = gric_getMinMagnification(handle.image());
+  gr_uint32 leastWidth = 0;
+  gr_uint32 leastHeight = 0;
+  ASSERT_EQ(gric_getDimsAtMag(handle.image(), least, &leastWidth, &leastHeight), 0u);
+  static_cast<void>(
+      handle.decodeStatus(0, 0, std::min(leastWidth, 40u), std::min(leastHeight, 20u), least));
+}
+
+TEST(TesraMosaicTest, EveryTruncationAndEveryDamagedByteEndInAStatusOrAPicture) {
+  const TesraBytes whole = fileOf({{.width = 12, .height = 9, .noData = 3},
+                                   {.width = 9, .height = 12, .x = 10, .y = -2, .noData = 3},
+                                   {.width = 8, .height = 8, .x = 2, .y = 1, .resolution = 2}});
+  for (size_t length = 0; length < whole.size(); ++length) {
+    openAndDecode(TesraBytes(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(length)));
+  }
+  for (size_t at = 0; at < whole.size(); ++at) {
+    for (const int change : {0x01, 0x40, 0xFF}) {
+      TesraBytes damaged = whole;
+      damaged[at] = static_cast<gr_uint8>(damaged[at] ^ change);
+      openAndDecode(damaged);
+    }
+  }
+}
+
+// A tile of 2^26 columns on as little ground as another one of eight. Reduced to that one's least
+// magnification it's a few pixels, of which each is one of very many.
+TEST(TesraMosaicTest, AFewPixelsOfAHugeTileTakeLittle) {
+  TG3Writer writer;
+  addTile(writer, {}, 0);
+  TG3TestImage huge = imageOf({}, 1);
+  constexpr gr_uint32 WIDTH = 1u << 26;
+  huge.width = WIDTH;
+  huge.height = 8;
+  huge.blockSize = 2048;
+  huge.numLevels = 0;
+  TG3TestGeoref georef;
+  georef.geo = {0, 0, 8, -8, 8.0 / WIDTH, 8.0 / WIDTH};
+  writer.addMetadata(3, 0, 1, tg3_georefBlock(georef));
+  writer.addHeader(huge);
+  writer.addPlaneset(huge, {});
+  const TesraHandle handle(writer.bytes());
+  ASSERT_EQ(handle.status(), 0u);
+  ASSERT_EQ(gric_getWidth(handle.image()), WIDTH);
+  const double least = gric_getMinMagnification(handle.image());
+  gr_uint32 width = 0;
+  gr_uint32 height = 0;
+  ASSERT_EQ(gric_getDimsAtMag(handle.image(), least, &width, &height), 0u);
+  EXPECT_EQ(width, 4u);
+  openAndDecode(writer.bytes());
+}
+
 }  // namespace
