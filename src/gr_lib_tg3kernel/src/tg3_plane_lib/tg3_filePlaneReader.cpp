@@ -56,10 +56,6 @@ GR_STATUS TG3FilePlaneReader::makeWindows() {
   return GR_STATUS_OK;
 }
 
-void TG3FilePlaneReader::forget() {
-  for (TG3StreamWindow& window : m_dataWindows) window.forget();
-}
-
 GR_STATUS TG3FilePlaneReader::walk(TG3PlaneLocation& /*location*/, gr_uint32 /*target*/,
                                    bool& found) {
   found = false;

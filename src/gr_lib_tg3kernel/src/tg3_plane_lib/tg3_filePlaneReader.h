@@ -58,9 +58,6 @@ class TG3FilePlaneReader {
   const TG3PlaneLocation* getLastWalk() const { return m_lastWalk ? &*m_lastWalk : nullptr; }
   void setLastWalk(const TG3PlaneLocation& location) { m_lastWalk = location; }
 
-  /// Drops the pieces of the file that it holds, after a user has changed planes in place.
-  void forget();
-
  protected:
   TG3FilePlaneReader(const TG3ImageInfo& info, const TG3PlanesetPacket& planeset,
                      GRIOStreamInf& stream, bool useBuffers);

@@ -8,6 +8,7 @@
 #include "gr_lib_tg3kernel/src/tg3_plane_lib/tg3_filePlaneStore.h"
 #include "gr_lib_tg3kernel/src/tg3_plane_lib/tg3_planeLock.h"
 #include "gr_lib_tg3kernel/src/tg3_plane_lib/tg3_planeStoreClient.h"
+#include "gr_lib_utils/include/gr_growingArray.h"
 
 class TG3FilePlaneStoreClient final : public TG3PlaneStoreClient {
  public:
@@ -45,4 +46,5 @@ class TG3FilePlaneStoreClient final : public TG3PlaneStoreClient {
   const bool m_leaveOpen;
   std::unique_ptr<GRIOStreamInf> m_stream;
   std::unique_ptr<TG3FilePlaneReader> m_reader;  // reads m_stream, so it goes first
+  GRGrowingArray<gr_uint8> m_deciphered;         // the planes of a subblock of a locked image
 };

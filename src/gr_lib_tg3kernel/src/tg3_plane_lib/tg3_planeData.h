@@ -11,7 +11,7 @@ struct TG3PlaneData {
   /// So many bytes behind the last one can be read, too; their values mean nothing.
   static constexpr size_t PADDING = 8;
 
-  gr_uint8* data = nullptr;  ///< `length` bytes; a lock deciphers them in place
+  gr_uint8* data = nullptr;  ///< `length` bytes
   gr_uint32 length = 0;      ///< may be 0: the plane exists, but has no bytes
   gr_uint16 component = 0;
   gr_uint8 plane = 0;   ///< 0 to 31; weighs 2^(31 - plane)

@@ -31,9 +31,6 @@ class TG3StreamWindow {
   [[nodiscard]] GR_STATUS get(GRIOStreamInf& stream, gr_uint64 offset, gr_uint64 length,
                               gr_uint8*& bytes);
 
-  /// Drops what it holds, so that it is read again.
-  void forget() { m_bytes.clear(); }
-
  private:
   GR_STATUS load(GRIOStreamInf& stream, gr_uint64 offset, gr_uint64 length);
 
