@@ -81,7 +81,6 @@ class GRIMosaicFilter final : public GRIImageReader {
   };
   class ListImageStagesInSceneCallback;
 
-  GR_STATUS addTile(gr_uint32 tile, GRIPixel& min, GRIPixel& max);
   GR_STATUS takeOver(const GRIImageStage& first, const GRIPixel* backgroundPixel);
   GR_STATUS findTiles(const GRIScene& scene, GRArray<gr_uint32>& hits, gr_uint32& numHits) const;
   GR_STATUS placeTile(gr_uint32 tile, const GRIScene& scene, GRIPlacement& placement) const;

@@ -38,8 +38,8 @@ class TG3SingleImageReader : public GRIGeoImageReader, public TesraImageReaderIn
 
   /// The first one reads the index of the coded data.
   /// @return 0; 2005 for a lock that can't be one; 50001 for a data type that isn't decoded; 2010
-  /// for an image without coded data, or
-  ///         with it twice; else the status of the index or of TG3DecoderTool::decodeBegin
+  ///         for an image without coded data, or with it twice; else the status of the index or of
+  ///         TG3DecoderTool::decodeBegin
   GR_STATUS decodeBegin(const GRIScene& scene) override;
   GR_STATUS decodeStrip(GRISceneBuffer& buffer, const GRIScene& stripScene) override;
   GR_STATUS decodeEnd() override;

@@ -20,12 +20,12 @@ class TG3FileSimplePlaneSource {
   /// Reads all records of the image, by a duplicate of the container's stream. With the
   /// environment variable TG3_USE_STREAM_BUFFERS, whatever its value, each subband has buffers of
   /// its own; GR_TG3_MEMORY_MODEL may change the model (tg3_chooseMemoryModel).
-  /// @param container  initialized; the caller's, and it outlives this
   /// The lock of an image that calls itself locked has nobody to ask at first (getLock).
+  /// @param container  initialized; the caller's, and it outlives this
   /// @return 0; 2005 for a lock that can't be one; 2009 for a memory usage that isn't one, or where
-  /// the image can't have the order of
-  ///         its planes; 2010 for an image without header or planes, or with several; 2012 for
-  ///         memory; else the status of a packet, of TG3FilePlaneReader::populate or the stream
+  ///         the image can't have the order of its planes; 2010 for an image without header or
+  ///         planes, or with several; 2012 for memory; else the status of a packet, of
+  ///         TG3FilePlaneReader::populate or the stream
   [[nodiscard]] GR_STATUS initialize(TG3FileSimpleContainer& container, gr_uint32 image,
                                      TesraMemoryUsage usage);
 

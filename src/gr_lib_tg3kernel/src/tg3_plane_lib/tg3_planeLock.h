@@ -14,7 +14,7 @@ class TG3PlaneLock {
 
   /// Deciphers the bytes of a plane in place; those of a plane outside of the lock stay as they
   /// are.
-  /// @return 0; 2011 where the key can't be had
+  /// @return 0; 2011 where the key can't be had; 2012 for memory
   [[nodiscard]] virtual GR_STATUS decipher(const TG3PlaneDesc& plane,
                                            std::span<gr_uint8> bytes) = 0;
 
