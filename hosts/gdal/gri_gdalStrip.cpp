@@ -113,7 +113,9 @@ GRIHostError GRIGdalStrip::decodeSalvaging(const GRIHostWindow& window) {
     m_damage->decodedPixels += pixelsOf(window);
     return {};
   }
-  if (error.status == GRIC_STATUS_NO_MEMORY) return error;  // says nothing about the picture
+  // Neither says anything about the picture; and with a password all of it may be there.
+  if (error.status == GRIC_STATUS_NO_MEMORY) return error;
+  if (error.isOfLock() && m_image->info().isLocked) return error;
   GRIHostWindow first = window;
   GRIHostWindow second = window;
   if (window.height > SMALLEST_PIECE_ROWS) {

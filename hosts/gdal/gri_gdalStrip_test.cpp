@@ -85,6 +85,16 @@ TEST(GRIGdalStripTest, MemoryThatRunsOutIsNoDamage) {
   EXPECT_EQ(damage->lostPixels, 0u);
 }
 
+TEST(GRIGdalStripTest, ALockIsNoDamage) {
+  const auto damage = std::make_shared<GRIGdalDamage>();
+  GRIGdalStrip strip(open({.isLocked = true}), 1, damage);
+  const int before = fake_decodeCalls();
+  EXPECT_EQ(strip.fetch({0, 0, 100, 80}).status, 2011u);
+  EXPECT_EQ(fake_decodeCalls(), before + 1);
+  EXPECT_EQ(damage->lostPixels, 0u);
+  EXPECT_FALSE(damage->first);
+}
+
 TEST(GRIGdalStripTest, AWindowThatNoMemoryHoldsIsStatus8) {
   constexpr gr_uint32 HUGE_SIZE = 0xFFFFFFFF;
   GRIGdalStrip strip(open({.bands = 60000, .colorSpace = GRIC_COLORSPACE_MULTISPECTRAL}), 1,
