@@ -23,6 +23,7 @@ GRIInterrupt::GRIInterrupt() {
   sigaction(SIGINT, &action, &m_oldInt);
   sigaction(SIGTERM, &action, &m_oldTerm);
   sigaction(SIGHUP, &action, &m_oldHup);
+  sigaction(SIGQUIT, &action, &m_oldQuit);
   // A reader of our output that goes away is a failed write.
   action.sa_handler = SIG_IGN;
   sigaction(SIGPIPE, &action, &m_oldPipe);
@@ -32,6 +33,7 @@ GRIInterrupt::~GRIInterrupt() {
   sigaction(SIGINT, &m_oldInt, nullptr);
   sigaction(SIGTERM, &m_oldTerm, nullptr);
   sigaction(SIGHUP, &m_oldHup, nullptr);
+  sigaction(SIGQUIT, &m_oldQuit, nullptr);
   sigaction(SIGPIPE, &m_oldPipe, nullptr);
 }
 

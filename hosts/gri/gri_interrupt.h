@@ -4,9 +4,9 @@
 
 #include <csignal>
 
-/// Catches SIGINT, SIGTERM and SIGHUP for as long as it lives: the work then stops at the next
-/// look at `wasRaised`, and what is half done is removed. A second signal ends the program at once.
-/// There is one at a time.
+/// Catches SIGINT, SIGTERM, SIGHUP and SIGQUIT for as long as it lives: the work then stops at the
+/// next look at `wasRaised`, and what is half done is removed. A second signal ends the program at
+/// once. There is one at a time.
 class GRIInterrupt {
  public:
   GRIInterrupt();
@@ -23,5 +23,6 @@ class GRIInterrupt {
   struct sigaction m_oldInt {};
   struct sigaction m_oldTerm {};
   struct sigaction m_oldHup {};
+  struct sigaction m_oldQuit {};
   struct sigaction m_oldPipe {};
 };

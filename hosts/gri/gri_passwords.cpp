@@ -54,7 +54,7 @@ class SignalBlock {
   SignalBlock() {
     sigset_t ending;
     sigemptyset(&ending);
-    for (const int number : {SIGINT, SIGTERM, SIGHUP, SIGTSTP}) sigaddset(&ending, number);
+    for (const int number : {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGTSTP}) sigaddset(&ending, number);
     sigprocmask(SIG_BLOCK, &ending, &m_before);
   }
   ~SignalBlock() { sigprocmask(SIG_SETMASK, &m_before, nullptr); }
@@ -105,20 +105,31 @@ void say(int descriptor, std::string_view text) {
   }
 }
 
-/// Reads up to the end of a line, byte by byte: what follows isn't ours.
-/// @return false when the file ends, or can't be read, before there is anything
+enum class Line { READ, NONE, HAS_ZERO };
+
+/// Reads up to the end of a line, byte by byte: what follows isn't ours. A carriage return in front
+/// of the end belongs to it.
+/// @return NONE when the file ends, or can't be read, before there is anything; HAS_ZERO for a line
+///         that no text can be
 template <typename Wait>
-bool readLine(int descriptor, GRIHostPassword& password, Wait wait) {
+Line readLine(int descriptor, GRIHostPassword& password, Wait wait) {
   bool isAnything = false;
-  for (char byte = 0; wait();) {
+  bool hasZero = false;
+  bool isReturnHeld = false;
+  char byte = 0;
+  while (wait()) {
     const ssize_t count = ::read(descriptor, &byte, 1);
     if (count < 0 && errno == EINTR) continue;
-    if (count <= 0) return count == 0 && isAnything;
-    if (byte == '\n') return true;
+    const bool isEnd = count == 0 && isAnything;
+    if (count <= 0 && !isEnd) break;
+    if (isEnd || byte == '\n') return hasZero ? Line::HAS_ZERO : Line::READ;
     isAnything = true;
-    if (byte != '\r') password.append(byte);
+    hasZero = hasZero || byte == '\0';
+    if (isReturnHeld) password.append('\r');
+    isReturnHeld = byte == '\r';
+    if (!isReturnHeld) password.append(byte);
   }
-  return false;
+  return Line::NONE;
 }
 
 }  // namespace
@@ -145,7 +156,11 @@ GRIHostError gri_readPasswordFile(const std::string& path, GRIHostPassword& pass
   const Descriptor file(path.c_str(), O_RDONLY);
   if (file.number() < 0) return {GRI_HOST_STATUS_OPEN, std::strerror(errno)};
   password.clear();
-  if (!readLine(file.number(), password, [] { return true; }) || password.isEmpty()) {
+  const Line line = readLine(file.number(), password, [] { return true; });
+  if (line == Line::HAS_ZERO) {
+    return {GRI_HOST_STATUS_READ, "there is a zero byte in its first line, which no password has"};
+  }
+  if (line == Line::NONE || password.isEmpty()) {
     return {GRI_HOST_STATUS_READ, "there is no password in its first line"};
   }
   return {};
@@ -159,9 +174,9 @@ bool gri_askForPassword(const std::string& file, bool wasWrong, GRIHostPassword&
   const SignalBlock signals;
   const SilentTerminal silent(terminal.number());
   say(terminal.number(),
-      (wasWrong ? "That isn't the password.\n" : "") + ("Password of " + name) + ": ");
-  const bool isRead =
+      (wasWrong ? "That doesn't open all of it.\n" : "") + ("Password of " + name) + ": ");
+  const Line line =
       readLine(terminal.number(), password, [&] { return signals.waitFor(terminal.number()); });
   say(terminal.number(), "\n");  // the one that was typed isn't shown
-  return isRead && !password.isEmpty();
+  return line == Line::READ && !password.isEmpty();
 }

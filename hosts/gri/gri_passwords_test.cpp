@@ -67,6 +67,23 @@ TEST_F(GRIPasswordFileTest, HasThePasswordInItsFirstLine) {
   }
 }
 
+TEST_F(GRIPasswordFileTest, LosesNothingButTheEndOfTheLine) {
+  EXPECT_FALSE(read("\ropen\rsesame\r\r\n"));
+  EXPECT_STREQ(m_password.text(), "\ropen\rsesame\r");
+  EXPECT_FALSE(read("open sesame\r"));
+  EXPECT_STREQ(m_password.text(), "open sesame");
+}
+
+TEST_F(GRIPasswordFileTest, IsRefusedWithAZeroInItsFirstLine) {
+  using std::string_literals::operator""s;
+  for (const std::string& content : {"open\0sesame\n"s, "\0"s, "\0open sesame"s}) {
+    const GRIHostError error = read(content);
+    EXPECT_EQ(error.status, GRI_HOST_STATUS_READ);
+    EXPECT_NE(error.text.find("zero byte"), std::string::npos);
+  }
+  EXPECT_FALSE(read("open sesame\n\0"s));
+}
+
 TEST_F(GRIPasswordFileTest, IsRefusedWithoutOne) {
   for (const char* content : {"", "\n", "\r\n", "\nsecond\n"}) {
     EXPECT_EQ(read(content).status, GRI_HOST_STATUS_READ) << content;

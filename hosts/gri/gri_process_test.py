@@ -261,7 +261,7 @@ class ProcessTest(unittest.TestCase):
                 session.wait_for(b"locked.tsr: ")
                 session.type(word + b"\n")
             self.assertEqual(session.end(), (0, b""))
-            self.assertEqual(session.shown.count(b"That isn't the password."), 2)
+            self.assertEqual(session.shown.count(b"That doesn't open all of it."), 2)
         self.assertEqual(target.read_bytes(), self.open_bytes())
         target.unlink()
         with Session("convert", self.lock(), target) as session:
@@ -283,11 +283,12 @@ class ProcessTest(unittest.TestCase):
                 self.assertEqual(session.shown.count(b"Password of "), 1)
 
     def test_an_interrupt_while_asking_leaves_a_terminal_that_echoes(self):
-        with Session("convert", self.lock(), self.out / "a.raw") as session:
-            session.wait_for(b"locked.tsr: ")
-            session.type(b"sec\x03")
-            self.assertEqual(session.end(), (130, b""))
-            self.assertTrue(session.echoes())
+        for key, code in ((b"\x03", 130), (b"\x1c", 131)):  # Ctrl-C and Ctrl-\\
+            with self.subTest(key), Session("convert", self.lock(), self.out / "a.raw") as session:
+                session.wait_for(b"locked.tsr: ")
+                session.type(b"sec" + key)
+                self.assertEqual(session.end(), (code, b""))
+                self.assertTrue(session.echoes())
         self.assertEqual(list(self.out.iterdir()), [])
 
     def test_nobody_is_asked_for_what_is_open_or_given(self):
