@@ -55,7 +55,8 @@ void addParsed(CLI::App& app, const std::string& name, const std::string& value,
       ->type_name(value);
 }
 
-void addConvert(CLI::App& app, GRIConvertOptions& options, std::optional<std::vector<int>>& bands) {
+void addConvert(CLI::App& app, GRIConvertOptions& options, std::optional<std::vector<int>>& bands,
+                const GRIHostPassword& password) {
   app.add_option("IN", options.input, "the picture: a path, or - for standard input")
       ->required()
       ->type_name("");
@@ -81,8 +82,9 @@ void addConvert(CLI::App& app, GRIConvertOptions& options, std::optional<std::ve
   app.add_option("--co", options.creationOptions, "option of the format: COMPRESS=DEFLATE")
       ->type_name("NAME=VALUE")
       ->allow_extra_args(false);
-  app.add_option("--password", options.password,
-                 "password of a locked picture; asked for on the terminal if not given")
+  app.add_option_function<std::string>(
+         "--password", [&](const std::string&) { options.password = &password; },
+         "password of a locked picture; asked for on the terminal if not given")
       ->type_name("TEXT");
   app.add_option("--password-file", options.passwordFile,
                  "the first line of this file is the password")
@@ -142,14 +144,16 @@ int gri_run(int argc, const char* const* argv, std::ostream& out, std::ostream& 
   CLI::App* convert = app.add_subcommand("convert", "write a picture in another format");
   GRIConvertOptions options;
   std::optional<std::vector<int>> bands;
-  addConvert(*convert, options, bands);
+  GRIHostPassword password;
+  const std::vector<const char*> arguments = gri_setPasswordAside(argc, argv, password);
+  addConvert(*convert, options, bands, password);
 
   CLI::App* status = app.add_subcommand("status", "say what the number of an error means");
   std::string number;
   status->add_option("NUMBER", number, "the number in brackets")->required()->type_name("");
 
   try {
-    app.parse(argc, argv);
+    app.parse(argc, arguments.data());
   } catch (const CLI::ParseError& e) {
     if (e.get_exit_code() == 0) return app.exit(e, out, err);
     const std::string first = argc > 1 ? argv[1] : "-";

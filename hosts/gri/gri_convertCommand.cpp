@@ -153,15 +153,17 @@ int Conversion::openInput() {
 
 /// Gives the password that the user gave us; without one, the picture asks when it needs it.
 int Conversion::setPassword(GRIHostImage& image) {
-  GRIHostPassword password(m_options.password.value_or(""));
+  GRIHostPassword ofFile;
+  const GRIHostPassword* password = m_options.password;
   if (m_options.passwordFile) {
-    if (GRIHostError error = gri_readPasswordFile(*m_options.passwordFile, password)) {
+    if (GRIHostError error = gri_readPasswordFile(*m_options.passwordFile, ofFile)) {
       return failed(*m_options.passwordFile, error);
     }
+    password = &ofFile;
   }
   if (!image.info().isLocked) return GRI_EXIT_DONE;
-  if (m_options.password || m_options.passwordFile) {
-    const GRIHostError error = image.setPassword(password.text());
+  if (password != nullptr) {
+    const GRIHostError error = image.setPassword(password->text());
     return error ? failed(m_options.input, error) : GRI_EXIT_DONE;
   }
   image.setPasswordSource([this](bool wasWrong, GRIHostPassword& typed) {

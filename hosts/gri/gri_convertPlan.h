@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "hosts/common/gri_hostImage.h"
+#include "hosts/common/gri_hostPassword.h"
 #include "hosts/gdal/gri_gdalDataset.h"
 #include "hosts/gri/gri_arguments.h"
 
@@ -22,7 +23,7 @@ struct GRIConvertOptions {
   std::vector<int> bands = {};
   std::string format = {};                        // as given; empty: by the name of the output
   std::vector<std::string> creationOptions = {};  // NAME=VALUE
-  std::optional<std::string> password = {};
+  const GRIHostPassword* password = nullptr;      // the caller's; null: none is given
   std::optional<std::string> passwordFile = {};
   bool wantsWorldFile = false;
   bool keepGoing = false;

@@ -17,16 +17,17 @@ namespace {
 
 constexpr std::string_view OPTION = "--password";
 
-/// Calls visit(value) with each value of the option, which is the next argument or stands behind
-/// an equals sign.
+/// Calls visit(index, value) with each value of the option, which is the next argument or stands
+/// behind an equals sign, and with the number of the argument that it is in.
 template <typename Char, typename Visit>
 void forEachPassword(int argc, Char* const* argv, Visit visit) {
   for (int i = 1; i < argc; ++i) {
     const std::string_view argument = argv[i];
     if (argument == OPTION && i + 1 < argc) {
-      visit(argv[++i]);
+      ++i;
+      visit(i, argv[i]);
     } else if (argument.starts_with(std::string(OPTION) + '=')) {
-      visit(argv[i] + OPTION.size() + 1);
+      visit(i, argv[i] + OPTION.size() + 1);
     }
   }
 }
@@ -136,12 +137,25 @@ Line readLine(int descriptor, GRIHostPassword& password, Wait wait) {
 
 std::vector<std::string> gri_takeArguments(int argc, char** argv) {
   std::vector<std::string> arguments(argv, argv + argc);
-  forEachPassword(argc, argv, [](char* value) { explicit_bzero(value, std::strlen(value)); });
+  forEachPassword(argc, argv, [](int, char* value) { explicit_bzero(value, std::strlen(value)); });
+  return arguments;
+}
+
+std::vector<const char*> gri_setPasswordAside(int argc, const char* const* argv,
+                                              GRIHostPassword& password) {
+  std::vector<const char*> arguments(argv, argv + argc);
+  forEachPassword(argc, argv, [&](int index, const char* value) {
+    const bool isWhole = value == argv[index];
+    if (isWhole ? *value == '-' : *value == '\0') return;
+    arguments[static_cast<size_t>(index)] = isWhole ? "..." : "--password=...";
+    password.clear();
+    for (; *value != '\0'; ++value) password.append(*value);
+  });
   return arguments;
 }
 
 std::string gri_withoutPasswords(std::string text, int argc, const char* const* argv) {
-  forEachPassword(argc, argv, [&](const char* value) {
+  forEachPassword(argc, argv, [&](int, const char* value) {
     const size_t length = std::strlen(value);
     if (length == 0) return;
     for (size_t at = text.find(value); at != std::string::npos; at = text.find(value, at)) {

@@ -42,6 +42,30 @@ TEST(GRIPasswordsTest, NothingElseIsTakenOutOfTheArguments) {
   EXPECT_EQ(arguments.texts(), given);
 }
 
+TEST(GRIPasswordsTest, AreSetAsideBeforeTheArgumentsAreParsed) {
+  const auto setAside = [](std::vector<std::string> given, GRIHostPassword& password) {
+    Arguments arguments(std::move(given));
+    const std::vector<const char*> left =
+        gri_setPasswordAside(arguments.count(), arguments.pointers(), password);
+    return std::vector<std::string>(left.begin(), left.end());
+  };
+  using Texts = std::vector<std::string>;
+  GRIHostPassword password;
+  EXPECT_EQ(setAside({"gri", "--password", "sesame", "a"}, password),
+            (Texts{"gri", "--password", "...", "a"}));
+  EXPECT_STREQ(password.text(), "sesame");
+  EXPECT_EQ(setAside({"gri", "--password=-open", "a"}, password),
+            (Texts{"gri", "--password=...", "a"}));
+  EXPECT_STREQ(password.text(), "-open");
+  EXPECT_EQ(setAside({"gri", "--password", "", "a"}, password),
+            (Texts{"gri", "--password", "...", "a"}));
+  EXPECT_STREQ(password.text(), "");
+  for (const Texts& others : {Texts{"gri", "--password", "--force"}, Texts{"gri", "--password="},
+                              Texts{"gri", "--password"}, Texts{"gri", "--password-file", "a"}}) {
+    EXPECT_EQ(setAside(others, password), others);
+  }
+}
+
 TEST(GRIPasswordsTest, AreNotRepeatedInTexts) {
   Arguments arguments({"gri", "info", "--password", "sesame", "--password=", "in"});
   EXPECT_EQ(
