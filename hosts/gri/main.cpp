@@ -8,6 +8,7 @@
 int main(int argc, char** argv) {
   std::vector<std::string> arguments = gri_takeArguments(argc, argv);
   std::vector<const char*> pointers;
+  pointers.reserve(arguments.size());
   for (const std::string& argument : arguments) pointers.push_back(argument.c_str());
   const int exitCode = gri_run(argc, pointers.data(), std::cout, std::cerr);
   for (std::string& argument : arguments) explicit_bzero(argument.data(), argument.size());

@@ -236,7 +236,7 @@ class GcryptWatch {
 };
 
 TEST(EncryptionTest, WipesTheScheduleOfAKeyThatGoes) {
-  constexpr size_t SCHEDULE_BYTES = (18 + 4 * 256) * 4;
+  constexpr size_t SCHEDULE_BYTES = size_t{18 + 4 * 256} * 4;
   // In front of a state stands where in its block it begins.
   constexpr size_t FRONT_BYTES = 64;
   const GcryptWatch watch;
