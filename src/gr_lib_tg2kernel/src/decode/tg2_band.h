@@ -27,7 +27,7 @@ class TG2Band {
   virtual void getRecordSize(gr_int32& width, gr_int32& height) const = 0;
   virtual gr_uint32 getNumRecords() const = 0;
   /// Bytes of record `i`, which is below getNumRecords(), with its marker.
-  virtual gr_uint32 getRecordLength(gr_uint32 i) const = 0;
+  virtual gr_uint64 getRecordLength(gr_uint32 i) const = 0;
 
   /// Fetches record `i`, which is below getNumRecords().
   /// @param data  receives the bytes, from the record's marker on and with the two bytes behind the

@@ -88,10 +88,10 @@ void FileBand::getRecordSize(gr_int32& width, gr_int32& height) const {
   height = m_bandData.getRecordHeight();
 }
 
-gr_uint32 FileBand::getRecordLength(gr_uint32 i) const {
+gr_uint64 FileBand::getRecordLength(gr_uint32 i) const {
   assert(i < getNumRecords());
   const gr_uint64 end = i + 1 < getNumRecords() ? m_bandData.getRecordOffset(i + 1) : m_end;
-  return static_cast<gr_uint32>(end - m_bandData.getRecordOffset(i));
+  return end - m_bandData.getRecordOffset(i);
 }
 
 GR_STATUS FileBand::getRecord(gr_uint32 i, std::span<const gr_uint8>& data) {
@@ -133,11 +133,6 @@ GR_STATUS TG2FileSubbandInfo::getBlock(gr_uint32 index, TG2Block*& block,
     std::unique_ptr<TG2Block> made;
     gr_uint64 bytes = 0;
     GR_RETURN_IF_FAILED(readBlock(index, made, bytes));
-    if (bytes > m_mostKeptBytes) {
-      owned = std::move(made);
-      block = owned.get();
-      return GR_STATUS_OK;
-    }
     GR_RETURN_IF_FAILED(keep(index, std::move(made), bytes));
   }
   block = m_cache[index].get();
@@ -146,6 +141,7 @@ GR_STATUS TG2FileSubbandInfo::getBlock(gr_uint32 index, TG2Block*& block,
 
 GR_STATUS TG2FileSubbandInfo::keep(gr_uint32 index, std::unique_ptr<TG2Block> block,
                                    gr_uint64 bytes) {
+  // The last one is kept whatever its size: the next strip asks for it again.
   if (m_keptBytes + bytes > m_mostKeptBytes) forgetBlocks();
   GR_RETURN_IF_FAILED(m_kept.append(index));
   m_cache[index] = std::move(block);

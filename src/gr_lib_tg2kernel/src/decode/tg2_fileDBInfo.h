@@ -55,7 +55,7 @@ class FileBand final : public TG2Band {
   float getBinWidth() const override { return m_bandData.getBinWidth(); }
   void getRecordSize(gr_int32& width, gr_int32& height) const override;
   gr_uint32 getNumRecords() const override { return m_bandData.getNumRecords(); }
-  gr_uint32 getRecordLength(gr_uint32 i) const override;
+  gr_uint64 getRecordLength(gr_uint32 i) const override;
   GR_STATUS getRecord(gr_uint32 i, std::span<const gr_uint8>& data) override;
 
  private:

@@ -348,6 +348,26 @@ TEST(TG2FileDBInfoTest, KeepsTheBlocksOfARowAndAllWhereItIsAskedTo) {
   }
 }
 
+TEST(TG2FileDBInfoTest, KeepsTheLastBlockWhateverItsSize) {
+  TG2TestImage image = smallImage();
+  image.width = 400;
+  image.height = 300;
+  image.numLevels = 0;
+  image.blockWidth = image.blockHeight = 0;
+  image.recordWidth = image.recordHeight = 1;  // 1.4 MB of offsets in the one block
+  const Bytes bytes = tg2_writeBins(image, binsOf(image)).bytes;
+  WatchedStream stream(bytes);
+  TG2FileDBInfo info(stream, nullptr, true, true, false);
+  ASSERT_EQ(info.initialize(), GR_STATUS_OK);
+  TG2Block* block = nullptr;
+  std::unique_ptr<TG2Block> owned;
+  ASSERT_EQ(info.getSubband(0)->getBlock(0, block, owned), GR_STATUS_OK);
+  stream.numReads = 0;
+  ASSERT_EQ(info.getSubband(0)->getBlock(0, block, owned), GR_STATUS_OK);
+  EXPECT_EQ(block->getBand(0)->getNumRecords(), 400u * 300u);
+  EXPECT_EQ(stream.numReads, 0u);
+}
+
 TEST(TG2FileDBInfoTest, ReadsAheadWhereRecordsAreAskedForInOrder) {
   TG2TestImage image = smallImage();
   image.numLevels = 0;
