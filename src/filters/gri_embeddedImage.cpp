@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "filters/gri_multiResFilter.h"
 #include "gr_lib_utils/include/gr_exception.h"
 #include "gr_lib_utils/include/gr_status.h"
 #include "image/gri_sceneBuffer.h"
@@ -11,6 +12,7 @@ GR_STATUS GRIEmbeddedImage::initialize(GRIImageStage* previousStage, gr_uint32 w
                                        double minMag, double maxMag, const GRIPixel* background,
                                        const GRIPixel* noData) {
   GRIImageFilter::initialize(previousStage);
+  m_scaledImage = dynamic_cast<GRIMultiResFilter*>(previousStage);
   if (background != nullptr) {
     GR_RETURN_IF_FAILED(getPixelProps().checkImpedance(*background));
   }
@@ -96,6 +98,7 @@ GR_STATUS GRIEmbeddedImage::beginRows(gr_int32 firstRow, gr_int32 numRows) {
   const GRIScene& whole = m_placement.imageScene;
   m_rowsNext = firstRow;
   m_rowsEnd = firstRow + count;
+  if (m_scaledImage != nullptr) m_scaledImage->setWholeScene(whole);
   m_isReading = true;  // also when it fails: it may have begun all the same
   return getPreviousStage()->readBegin(GRIScene(whole.getUpperLeftCol(),
                                                 whole.getUpperLeftRow() + firstRow,

@@ -5,6 +5,8 @@
 #include "filters/gri_placement.h"
 #include "filters/gri_resizedFilter.h"
 
+class GRIMultiResFilter;
+
 /// Shows the previous stage at an offset in a frame. A scene of the frame asks the image for just
 /// what it covers of it; around it is the background, or what the buffer had before where there is
 /// no background. Pixels of no data leave the buffer as it was, too.
@@ -48,6 +50,7 @@ class GRIEmbeddedImage final : public GRIOverrideBackgroundPixel<GRIResizedFilte
   GR_STATUS endRows();
   GR_STATUS decodeRows(GRISceneBuffer& window, const GRIScene& rows);
 
+  GRIMultiResFilter* m_scaledImage = nullptr;  // the previous stage, if it is one
   double m_xOffset = 0.0;
   double m_yOffset = 0.0;
   GRIScene m_scene;  // the one at hand

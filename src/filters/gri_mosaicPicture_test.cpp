@@ -299,15 +299,17 @@ TEST(GRIMosaicPictureTest, ATileThatWasRoundedUpShowsItsLastRowsInEveryStrip) {
 }
 
 /// Holds windows to what the whole shows there.
-void expectWindowsOfTheWhole(const Mosaic& mosaic, double mag, std::mt19937& random) {
+void expectWindowsOfTheWhole(const std::vector<GRITile>& tiles, double mag, std::mt19937& random) {
+  SCOPED_TRACE(testing::Message() << "magnification " << mag);
+  const Mosaic mosaic(tiles);
   gr_uint32 width = 0;
   gr_uint32 height = 0;
   ASSERT_EQ(mosaic.filter().getDimsAtMag(mag, width, height), 0u);
   const std::vector<gr_uint8> whole = mosaic.decoded({0, 0, double(width), double(height), mag});
   for (int i = 0; i < 30; ++i) {
-    const gr_uint32 left = random() % width;
+    const gr_uint32 left = random() % (width - width / 10);
     const gr_uint32 top = random() % height;
-    const gr_uint32 numCols = std::min<gr_uint32>(1 + random() % 300, width - left);
+    const gr_uint32 numCols = std::min<gr_uint32>(64 + random() % 300, width - left);
     const gr_uint32 numRows = std::min<gr_uint32>(1 + random() % 30, height - top);
     SCOPED_TRACE(testing::Message() << left << ", " << top << ": " << numCols << " x " << numRows);
     std::vector<gr_uint8> expected;
@@ -330,7 +332,7 @@ TEST(GRIMosaicPictureTest, WindowsOfRotatedTilesShowWhatTheWholeDoes) {
   const Mosaic mosaic(tiles);
   ASSERT_EQ(mosaic.status(), 0u);
   EXPECT_NE(mosaic.decoded({99, 0, 1, 1, 1})[0], 0);  // outside of the rotated box
-  expectWindowsOfTheWhole(mosaic, 1.0, random);
+  expectWindowsOfTheWhole(tiles, 1.0, random);
 }
 
 // From 2^50 on positions are quarters of a pixel, which are many rows of an enlarged scene.
@@ -340,6 +342,31 @@ TEST(GRIMosaicPictureTest, TilesFarAwayShowAllTheirRowsInEveryStrip) {
       withAllMagnifications(tileAt(far, far, 3, 3, 1), 1.0),
       withAllMagnifications(tileAt(far + 3, far + 1, 3, 3, 90), 1.0)};
   expectSameInStrips(tiles, {0, 0, 6 * 64, 4 * 64, 64});
+}
+
+// The first strip of a tile may be a decode of its own, whose few rows are no reason to show
+// others.
+TEST(GRIMosaicPictureTest, HowATileIsScaledDependsOnNoStrip) {
+  const std::vector<GRITile> tiles = {withAllMagnifications(tileAt(600, 0, 10, 10), 1.0),
+                                      withAllMagnifications(tileAt(0, 10, 500, 900), 1.0015)};
+  expectSameInStrips(tiles, {0, 0, 450, 850, 1});
+  expectSameInStrips(tiles, {0, 0, 450, 300, 1});  // not resampled
+  expectSameInStrips(tiles, {100, 200, 400, 450, 1});
+}
+
+// Unless they are so small that a scale makes no difference of a pixel in them: those aren't scaled.
+TEST(GRIMosaicPictureTest, WindowsOfScaledTilesShowWhatTheWholeDoes) {
+  std::mt19937 random(35);
+  for (const double resolution : {3.0, 1.1, 1.7, 37.3}) {
+    SCOPED_TRACE(resolution);
+    const gr_uint32 width = static_cast<gr_uint32>(2100 / resolution);
+    std::vector<GRITile> tiles = {withAllMagnifications(tileAt(2200, 0, 10, 10), 1.0),
+                                  withAllMagnifications(tileAt(13, 5, width, 60), resolution)};
+    for (const double mag : {1.0, 0.5, 0.75, 1.9}) expectWindowsOfTheWhole(tiles, mag, random);
+    // The same of an image that has no magnification but 1.
+    tiles[1].minMagnification = tiles[1].maxMagnification = 1.0;
+    for (const double mag : {1.0, 0.125}) expectWindowsOfTheWhole(tiles, mag, random);
+  }
 }
 
 }  // namespace

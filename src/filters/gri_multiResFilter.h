@@ -3,6 +3,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 
 #include "filters/gri_resampler.h"
 #include "filters/gri_resizedFilter.h"
@@ -37,6 +38,10 @@ class GRIMultiResFilter final : public GRIOverrideStripHeight<GRIResizedFilter> 
   [[nodiscard]] GR_STATUS initialize(GRIImageStage* previousStage, double xScale, double yScale,
                                      double minMag, double maxMag, double magnification);
 
+  /// Has the scene that begins next show the pixels that this one, of which it is a part, would
+  /// show there. The mode depends on the size of the whole.
+  void setWholeScene(const GRIScene& scene) { m_wholeScene = scene; }
+
   /// @return 0; 50232 for a scene beside the image; else the image's status
   GR_STATUS decodeBegin(const GRIScene& scene) override;
   /// @return 0; 50216 for memory; else the image's status
@@ -55,30 +60,58 @@ class GRIMultiResFilter final : public GRIOverrideStripHeight<GRIResizedFilter> 
     gr_int32 getEnd() const;
   };
 
-  GR_STATUS chooseMode(const GRIScene& scene);
+  /// Columns of the scene whose positions in the image are added up one after the other.
+  struct Piece {
+    gr_int64 left = 0;      // the column of the image from which its positions are counted
+    gr_int32 numCols = 1;   // of the scene
+    float position = 0.0F;  // of the first of them
+  };
+
+  /// Columns of the image at its magnification.
+  struct Columns {
+    gr_int64 first;
+    gr_int64 last;
+  };
+
+  /// Rows of the image in memory.
+  struct Source {
+    const GRISceneBuffer* first;
+    const GRISceneBuffer* second;  // directly below; null for none
+    gr_int64 left;                 // the column of the image that is theirs of number 0
+  };
+
+  GR_STATUS chooseMode(const GRIScene& whole);
   bool passes(const GRIScene& scene) const;
   GRIScene requireScene(const GRIScene& scene) const;
   gr_uint32 rowsPerImageStrip(gr_int32 numCols) const;
   gr_int64 imageRowOf(gr_int32 row) const;
+  Piece pieceFrom(gr_int32 column) const;
   gr_int64 imageColumnOf(gr_int32 column) const;
+  Columns imageColumnsOf(gr_int32 first, gr_int32 last) const;
   GR_STATUS resampleStrip(GRISceneBuffer& buffer, gr_int32 firstRow);
+  void resampleRow(GRISceneBuffer& buffer, const GRIResampleRect& dest, const Source& source,
+                   gr_uint32 row) const;
   GR_STATUS loadRow(gr_int32 row);
   GR_STATUS loadStrip();
   GR_STATUS decodeRowByRow(GRISceneBuffer& buffer, gr_int32 firstRow);
-  GR_STATUS decodePiece(GRISceneBuffer& buffer, gr_uint32 row, gr_uint32 column, gr_uint32 numCols,
-                        gr_int32 imageRow);
+  GR_STATUS decodePart(GRISceneBuffer& buffer, const GRIResampleRect& part, gr_int32 imageRow);
 
   double m_xScale = 1.0;
   double m_yScale = 1.0;
   std::unique_ptr<GRIResampler> m_resampler;
+  std::optional<GRIScene> m_wholeScene;  // of the scene that begins next
 
   // Of the scene at hand.
   Mode m_mode = Mode::PASS;
   GRIScene m_scene;
-  GRIScene m_imageScene;     // what is decoded of the image, in whole pixels
-  double m_imageMag = 1.0;   // at which magnification
+  GRIScene m_imageScene;       // what is decoded of the image, in whole pixels
+  double m_imageMag = 1.0;     // at which magnification
+  gr_uint32 m_imageWidth = 0;  // of all of the image there
+  gr_uint32 m_imageHeight = 0;
   double m_xResample = 1.0;  // pixels of the image to one of the scene
   double m_yResample = 1.0;
+  gr_int32 m_columnsPerPiece = 1;
+  gr_int64 m_margin = 0;      // columns of the strips in front of those that are decoded
   bool m_isReading = false;   // whether the image has begun with its scene
   gr_uint32 m_stripRows = 0;  // of the image
   Strip m_strips[2];          // the earlier one and the one below it; or only the first
