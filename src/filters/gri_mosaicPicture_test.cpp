@@ -354,7 +354,7 @@ TEST(GRIMosaicPictureTest, HowATileIsScaledDependsOnNoStrip) {
   expectSameInStrips(tiles, {100, 200, 400, 450, 1});
 }
 
-// Unless they are so small that a scale makes no difference of a pixel in them: those aren't scaled.
+// Unless they are so small that a scale makes no difference of a pixel: those aren't scaled.
 TEST(GRIMosaicPictureTest, WindowsOfScaledTilesShowWhatTheWholeDoes) {
   std::mt19937 random(35);
   for (const double resolution : {3.0, 1.1, 1.7, 37.3}) {
