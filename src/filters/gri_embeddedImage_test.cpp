@@ -94,7 +94,7 @@ TEST_F(GRIEmbeddedImageTest, HasTheFramesSizeAndPosition) {
 
 TEST_F(GRIEmbeddedImageTest, AnImageOutsideOfTheSceneGivesTheBackgroundAndIsNeverBegun) {
   ASSERT_EQ(make({.xOffset = 20, .yOffset = 20, .background = 9}), 0u);
-  EXPECT_EQ(decode({0, 0, 15, 15, 1}), std::vector<gr_uint8>(15 * 15, 9));
+  EXPECT_EQ(decode({0, 0, 15, 15, 1}), std::vector<gr_uint8>(size_t{15} * 15, 9));
   EXPECT_TRUE(m_log.calls.empty());
   EXPECT_FALSE(m_embedded->touchesImage());
 }
@@ -248,13 +248,14 @@ class GRISizelessImage final : public GRIImageFilter {
 
 TEST_F(GRIEmbeddedImageTest, OnlyAnImageWithoutTheMagnificationShowsNothing) {
   for (const GR_STATUS status : {GR_STATUS{3}, GR_STATUS{8}, GR_STATUS{4711}}) {
-    GRIImageFilter* sizeless = gr_makeUnique<GRISizelessImage>(status).release();
+    GRUtilSmartPointer<GRIImageFilter> sizeless(gr_makeUnique<GRISizelessImage>(status).release());
     auto reader =
         GRUtilSmartPointer<GRITileReader>(gr_makeUnique<GRITileReader>(m_tile, 0, m_log).release());
     ASSERT_EQ(reader->initialize(), 0u);
     sizeless->initialize(reader.detach());
     m_embedded = GRUtilSmartPointer<GRIEmbeddedImage>(gr_makeUnique<GRIEmbeddedImage>().release());
-    ASSERT_EQ(m_embedded->initialize(sizeless, 40, 30, 0, 0, 0.25, 4.0, nullptr, nullptr), 0u);
+    ASSERT_EQ(m_embedded->initialize(sizeless.detach(), 40, 30, 0, 0, 0.25, 4.0, nullptr, nullptr),
+              0u);
     EXPECT_EQ(m_embedded->decodeBegin({0, 0, 40, 30, 1}), status == 3 ? 0u : status);
     EXPECT_FALSE(m_embedded->touchesImage());
   }

@@ -40,7 +40,8 @@ TEST(GRIMosaicFilterTest, ATileInsideOfOneStripOpensDecodesAndClosesThere) {
 TEST(GRIMosaicFilterTest, AWindowOpensTheTilesThatItTouchesAndNoOther) {
   std::vector<GRITile> tiles;
   for (gr_uint32 i = 0; i < 10000; ++i) {
-    tiles.push_back(tileAt(i % 100 * 256, i / 100 * 256, 256, 256));
+    const gr_uint32 row = i / 100;
+    tiles.push_back(tileAt(i % 100 * 256, row * 256, 256, 256));
   }
   const Mosaic mosaic(tiles);
   ASSERT_EQ(mosaic.status(), 0u);
@@ -57,7 +58,10 @@ TEST(GRIMosaicFilterTest, AWindowOpensTheTilesThatItTouchesAndNoOther) {
 
 TEST(GRIMosaicFilterTest, AWholeDecodeKeepsOneRowOfTilesOpenAndOpensEachOnce) {
   std::vector<GRITile> tiles;
-  for (gr_uint32 i = 0; i < 200; ++i) tiles.push_back(tileAt(i % 10 * 32, i / 10 * 32, 32, 32));
+  for (gr_uint32 i = 0; i < 200; ++i) {
+    const gr_uint32 row = i / 10;
+    tiles.push_back(tileAt(i % 10 * 32, row * 32, 32, 32));
+  }
   const Mosaic mosaic(tiles, {.stripHeight = 16});
   mosaic.decoded({0, 0, 320, 640, 1});
   EXPECT_EQ(mosaic.log().numOpened, 200u);
@@ -207,7 +211,7 @@ TEST(GRIMosaicFilterTest, SignsOfTheResolutionsChooseTheCorner) {
   EXPECT_EQ(mosaic.filter().getHeight(), 20u);
   const std::vector<gr_uint8> samples = mosaic.decoded({0, 0, 20, 20, 1});
   EXPECT_EQ(samples[10], 1);
-  EXPECT_EQ(samples[15 * 20], 2);
+  EXPECT_EQ(samples[size_t{15} * 20], 2);
 }
 
 TEST(GRIMosaicFilterTest, MagnificationsReachAsFarAsThoseOfAnyTile) {

@@ -2,6 +2,8 @@
 /// GRIResamplePosition, from a position between samples to the samples around it.
 #pragma once
 
+#include <cmath>
+
 #include "gr_lib_utils/include/gr_types.h"
 
 /// A position in a row or column of samples, cut into a whole number and a fraction.
@@ -14,7 +16,7 @@ struct GRIResamplePosition {
   GRIResamplePosition(Float position, gr_uint32 size) {
     constexpr Float LEAST = -4;  // no kernel reaches farther than two samples
     const Float most = static_cast<Float>(size) + 4;
-    Float held = position == position ? position : Float{0};
+    Float held = std::isnan(position) ? Float{0} : position;
     if (held < LEAST) held = LEAST;
     if (held > most) held = most;
     index = static_cast<gr_int64>(held);
