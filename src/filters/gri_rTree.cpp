@@ -27,8 +27,8 @@ GR_STATUS searchNode(const GRIRTreeNode& node, const GRIBox& query,
 
 // The way from the root to the leaf that takes a box, and the entry taken in each node above it.
 struct Way {
-  std::array<GRIRTreeNode*, MOST_LEVELS> nodes;
-  std::array<size_t, MOST_LEVELS> entries;
+  std::array<GRIRTreeNode*, MOST_LEVELS> nodes{};
+  std::array<size_t, MOST_LEVELS> entries{};
   size_t length = 0;
 };
 
@@ -121,7 +121,7 @@ GR_STATUS GRIRTree::addEntry(GRIRTreeEntry entry) {
     if (i + 1 < way.length) node.entries[way.entries[i]].box = way.nodes[i + 1]->getBounds();
     if (!hasNew) continue;
     if (!node.isFull()) {
-      node.append(std::move(entry));
+      node.append(std::move(entry));  // NOLINT(bugprone-use-after-move): there is one, says hasNew
       hasNew = false;
       continue;
     }

@@ -287,7 +287,8 @@ TEST(GRIResamplerTest, TwoBuffersGiveWhatOneOfAllRowsGives) {
       resampler->resample(one, {0, 0, 30, 39}, whole, rect, 0.3F, 1.1F, 0.61F, 0.57F);
       resampler->resample(two, {0, 0, 30, 39}, above, below, rect, 0.3F, 1.1F, 0.61F, 0.57F);
       for (gr_uint16 band = 0; band < 2; ++band) {
-        ASSERT_EQ(std::memcmp(one.getTotalBandData(band), two.getTotalBandData(band), 31 * 40 * 2),
+        ASSERT_EQ(std::memcmp(one.getTotalBandData(band), two.getTotalBandData(band),
+                              size_t{31} * 40 * 2),
                   0);
       }
     }

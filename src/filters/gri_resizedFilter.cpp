@@ -14,6 +14,6 @@ GR_STATUS GRIResizedFilter::getDimsAtMag(double mag, gr_uint32& width, gr_uint32
 bool GRIResizedFilter::getClippedScene(const GRIScene& scene, GRIScene& out) const {
   GRINavigator navigator(*this, scene);
   const GR_STATUS status = navigator.setScene(scene, GRI_NAVIGATOR_CLIP);
-  out = navigator;
+  out = static_cast<const GRIScene&>(navigator);
   return GR_SUCCESS(status);
 }

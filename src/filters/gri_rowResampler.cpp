@@ -1,5 +1,6 @@
 #include "filters/gri_rowResampler.h"
 
+#include <cmath>
 #include <cstring>
 #include <limits>
 #include <type_traits>
@@ -102,7 +103,7 @@ class GRIRowResamplerImp final : public GRIRowResampler {
     if constexpr (std::is_same_v<Sample, Arithmetic>) {
       sample = value;
     } else {
-      sample = value == value ? static_cast<Sample>(held(value)) : Sample{0};
+      sample = std::isnan(value) ? Sample{0} : static_cast<Sample>(held(value));
     }
     std::memcpy(dest + index * sizeof(Sample), &sample, sizeof(Sample));
   }

@@ -15,7 +15,7 @@ template <auto DEQUANTIZE>
 void dequantize(benchmark::State& state) {
   const std::vector<gr_int32> bins(WIDTH, 3);
   std::vector<float> out(WIDTH);
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     DEQUANTIZE(bins.data(), out.data(), WIDTH, 1.5F);
     benchmark::DoNotOptimize(out.data());
   }
@@ -27,7 +27,7 @@ void dither(benchmark::State& state) {
   const std::vector<gr_int32> bins(WIDTH, 3);
   const std::vector<float> noise(WIDTH, 0.1F);
   std::vector<float> out(WIDTH);
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     DEQUANTIZE(bins.data(), noise.data(), out.data(), WIDTH, 1.5F);
     benchmark::DoNotOptimize(out.data());
   }
@@ -45,7 +45,7 @@ void convert(benchmark::State& state) {
     from[i] = planes[i].data();
     to[i] = bands[i].data();
   }
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     KERNEL(from, to, WIDTH);
     benchmark::DoNotOptimize(to[0]);
     benchmark::ClobberMemory();

@@ -28,6 +28,7 @@ using Bands = std::vector<std::vector<Sample>>;
 template <typename Row>
 auto pointersTo(Row& rows) {
   std::vector<decltype(rows[0].data())> pointers;
+  pointers.reserve(rows.size());
   for (auto& row : rows) pointers.push_back(row.data());
   return pointers;
 }

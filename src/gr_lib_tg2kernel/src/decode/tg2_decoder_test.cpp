@@ -260,10 +260,9 @@ TEST(TG2DecoderTest, BlocksThatAreMissingLeaveZeros) {
     image.isBlockAbsent = [missing](gr_uint32, gr_uint32 block) { return block == missing; };
     const TG2TestBins bins = randomBins(image, random);
     // The literal decode numbers blocks by their place, the file without the missing ones.
-    TG2TestBins visible = bins;
     TG2TestImage literalImage = image;
     Picture picture(image, bins);
-    const std::vector<TG2LiteralPlane> whole = literal(literalImage, visible, 0);
+    const std::vector<TG2LiteralPlane> whole = literal(literalImage, bins, 0);
     ASSERT_NO_FATAL_FAILURE(expectCrop(picture, whole, {0, 0, 29, 29}, 0, 8));
     ASSERT_NO_FATAL_FAILURE(expectCrop(picture, whole, {5, 8, 22, 29}, 0, 5));
   }
@@ -312,7 +311,7 @@ TEST_F(TG2DecoderSceneTest, CountsItsStripsAndStopsBehindTheLast) {
   EXPECT_EQ(decoder.getCurrentStrip(), 4u);
   Scene untouched = m_picture.sceneFor(ALL);
   EXPECT_EQ(decoder.decodeStrip(*untouched.strip(0, 16)), GR_STATUS_OK);
-  EXPECT_EQ(untouched.samples[0], std::vector<float>(40 * 50, -1.0F));
+  EXPECT_EQ(untouched.samples[0], std::vector<float>(size_t{40} * 50, -1.0F));
   EXPECT_EQ(decoder.decodeEnd(), GR_STATUS_OK);
 }
 
@@ -404,7 +403,8 @@ TEST_F(TG2DecoderSceneTest, TheStripBehindOneThatFailedIsWhole) {
     ASSERT_EQ(decoder.decodeStrip(*scene.strip(48, 16)), GR_STATUS_OK);
     const auto actual = bitsOf(scene.samples);
     for (size_t band = 0; band < actual.size(); ++band) {
-      const auto rows = std::vector(actual[band].begin() + 32 * 40, actual[band].end());
+      const auto rows =
+          std::vector(actual[band].begin() + std::ptrdiff_t{32} * 40, actual[band].end());
       ASSERT_EQ(rows, expected[band]) << "band " << band;
     }
   }
@@ -430,7 +430,7 @@ TEST_F(TG2DecoderSceneTest, FourBandsOfSinglePrecisionLeaveTheBufferAsItWas) {
   Picture picture(m_image, randomBins(m_image, m_random));
   Scene scene = picture.sceneFor(ALL, 3.0F);
   EXPECT_EQ(picture.decode(ALL, 0, 16, scene), GR_STATUS_OK);
-  EXPECT_EQ(scene.samples, std::vector(4, std::vector<float>(40 * 50, 3.0F)));
+  EXPECT_EQ(scene.samples, std::vector(4, std::vector<float>(size_t{40} * 50, 3.0F)));
 }
 
 TEST_F(TG2DecoderSceneTest, ADamagedRecordIsReportedAndTheRestDecodes) {

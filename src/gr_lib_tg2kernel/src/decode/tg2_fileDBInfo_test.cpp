@@ -77,8 +77,8 @@ GR_STATUS openStatus(const Bytes& bytes) { return Index(bytes).status(); }
 // Where the rectangle of a block's entry stands.
 size_t rectAt(const TG2TestImage& image, const TG2TestFile& file, gr_uint32 subband,
               gr_uint32 block) {
-  return file.layout.tables[subband] + 8 + size_t{block} * (4 * image.numBands + 16) +
-         4 * image.numBands;
+  return file.layout.tables[subband] + 8 + size_t{block} * (size_t{4} * image.numBands + 16) +
+         size_t{4} * image.numBands;
 }
 
 const TG2TestLayout::Band& bandAt(const TG2TestFile& file, gr_uint32 subband, gr_uint32 block,
@@ -416,7 +416,7 @@ TEST(TG2FileDBInfoTest, RefusesTablesThatAreNotInTheStream) {
   for (const gr_uint32 offset : {static_cast<gr_uint32>(file.bytes.size() - 7),
                                  static_cast<gr_uint32>(file.bytes.size()), 0xFFFFFFFFu}) {
     Bytes bytes = file.bytes;
-    put32(bytes, file.layout.subbandOffsets + 4 * 6, offset);
+    put32(bytes, file.layout.subbandOffsets + size_t{4} * 6, offset);
     EXPECT_EQ(openStatus(bytes), TG2_STATUS_READ_ERROR);
   }
   Bytes bytes = file.bytes;

@@ -32,6 +32,7 @@ std::optional<TG2RestartState> beginRecord(std::span<const gr_uint8> record) {
 /// there and on the wanted cells.
 class RecordDecoder {
  public:
+  // NOLINTNEXTLINE(*-member-init): the cells are written before they are read
   RecordDecoder(const TG2HuffmanTable& table, std::span<const gr_uint8> record,
                 const TG2Rect& recordRect, const TG2Rect& wantedRect,
                 std::optional<TG2RestartState> state)
@@ -102,7 +103,7 @@ class RecordDecoder {
   const TG2Rect& m_wanted;
   std::optional<TG2RestartState> m_state;  // nothing for a record without data
   // Each piece clears what it uses.
-  std::array<gr_int32, PIECE + TG2_CELLS_SLACK> m_cells;  // NOLINT(*-member-init)
+  std::array<gr_int32, PIECE + TG2_CELLS_SLACK> m_cells;
 };
 
 std::optional<TG2RestartState> startOf(std::span<const gr_uint8> record,

@@ -56,7 +56,7 @@ void cells(benchmark::State& state) {
   const TG2HuffmanTable table(band.table.bits, band.table.huffval);
   std::vector<gr_int32> out(CELLS + TG2_CELLS_SLACK);
   size_t next = 0;
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     const auto& record = band.records[next++ % band.records.size()];
     TG2RestartState place{3, 0, record[2], 0};
     DECODE(table, record, place, out.data(), CELLS);
@@ -72,7 +72,7 @@ void coefficients(benchmark::State& state, const TG2NoiseOrigin* noise) {
   const TG2Rect rect{0, 0, SIZE - 1, SIZE - 1};
   const TG2Dequantizer dequantizer(rect, noise);
   size_t next = 0;
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     const auto& record = band.records[next++ % band.records.size()];
     tg2_huffmanDecode(table, record, dequantizer, 1.5F, out.data(), SIZE, rect, rect, nullptr);
     benchmark::DoNotOptimize(out.data());
@@ -89,7 +89,7 @@ void dithered(benchmark::State& state) {
 
 void buildTable(benchmark::State& state) {
   const Band band(static_cast<double>(state.range(0)) / 100);
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     const TG2HuffmanTable table(band.table.bits, band.table.huffval);
     benchmark::DoNotOptimize(table.steps());
   }

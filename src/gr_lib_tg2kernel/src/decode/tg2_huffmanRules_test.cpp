@@ -222,7 +222,7 @@ TEST(TG2HuffmanRulesTest, ARunMayPassTheEndOfTheRecord) {
 TEST(TG2HuffmanRulesTest, DecodingGoesOnWithoutReadingAgainWhatIsAbove) {
   std::mt19937 random(4);
   const TG2Rect rect{0, 0, 19, 29};
-  const Bins bins = tg2_naturalBins(20 * 30, 5, random);
+  const Bins bins = tg2_naturalBins(size_t{20} * 30, 5, random);
   TG2TestCodedRecord coded = tg2_codeBins(bins);
   Place place;
   Bins read;
@@ -239,13 +239,13 @@ TEST(TG2HuffmanRulesTest, DecodingGoesOnWithoutReadingAgainWhatIsAbove) {
 TEST(TG2HuffmanRulesTest, ANarrowWindowStepsByTheWidthOfTheRecord) {
   std::mt19937 random(5);
   const TG2Rect rect{10, 20, 29, 49};
-  const Bins bins = tg2_naturalBins(20 * 30, 1, random);
+  const Bins bins = tg2_naturalBins(size_t{20} * 30, 1, random);
   const TG2TestCodedRecord coded = tg2_codeBins(bins);
   Place place;
   const TG2Rect wanted{14, 23, 17, 30};
   Bins expected;
   for (gr_int32 y = wanted.y0; y <= wanted.y1; ++y) {
-    const auto row = bins.begin() + (y - rect.y0) * 20 + (wanted.x0 - rect.x0);
+    const auto row = bins.begin() + std::ptrdiff_t{y - rect.y0} * 20 + (wanted.x0 - rect.x0);
     expected.insert(expected.end(), row, row + 4);
   }
   EXPECT_EQ(decode(coded.table, coded.bytes, rect, wanted, place), expected);

@@ -16,6 +16,7 @@ constexpr gr_uint32 MOST_PASSED = 255;
 /// Fills the steps of a table: tries every sequence of symbols that fits into the bits of a step.
 class TG2HuffmanSteps {
  public:
+  // NOLINTNEXTLINE(*-member-init): the codes are written before they are read
   TG2HuffmanSteps(TG2HuffmanTable& table, gr_uint32 numCodes)
       : m_steps(table.m_steps.data()), m_cells(table.m_cells.data()) {
     gr_uint32 index = 0;
@@ -129,7 +130,7 @@ class TG2HuffmanSteps {
   gr_uint32* m_steps;
   gr_uint64* m_cells;
   gr_uint32 m_numCodes = 0;
-  std::array<ShortCode, TG2HuffmanTable::MOST_SYMBOLS> m_codes;  // NOLINT(*-member-init)
+  std::array<ShortCode, TG2HuffmanTable::MOST_SYMBOLS> m_codes;
 };
 
 TG2HuffmanTable::TG2HuffmanTable(std::span<const gr_uint8, LONGEST_CODE> bits,

@@ -97,6 +97,7 @@ TEST(TG2HuffmanTableTest, TheCacheGivesTheTableOfTheCodeAndKeepsIt) {
   TG2HuffmanTableCache cache;
   // More than it holds.
   std::vector<TG2TestTable> codes;
+  codes.reserve(1200);
   for (int i = 0; i < 1200; ++i) codes.push_back(tg2_anyTable(2 + random() % 30, random));
   const auto expectRightTable = [&cache](const TG2TestTable& code) {
     const TG2HuffmanTable& table = cache.get(code.bits, code.huffval);

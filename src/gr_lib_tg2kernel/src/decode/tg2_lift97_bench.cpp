@@ -16,7 +16,7 @@ void levelOfSynthesis(benchmark::State& state) {
   const std::vector<float> low(room, 3.5F), highAbove(room, -2.25F), high(room, 1.0F);
   std::vector<float> firstEven(room, 1.0F), firstOdd(room, -0.5F), evenAbove(room, 7.0F);
   std::vector<float> even(room), odd(room), work(2 * room), out(room);
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto _ : state) {
     // Two output rows. Low columns stand from 4 on, high ones from n + 8 on.
     VERTICAL({low.data(), highAbove.data(), high.data(), firstEven.data(), firstOdd.data(),
               evenAbove.data(), even.data(), odd.data()},
