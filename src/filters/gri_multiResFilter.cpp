@@ -8,6 +8,7 @@
 #include "gr_lib_utils/include/gr_exception.h"
 #include "gr_lib_utils/include/gr_memory.h"
 #include "gr_lib_utils/include/gr_status.h"
+#include "image/gri_level.h"
 #include "image/gri_navigator.h"
 #include "image/gri_pixel.h"
 
@@ -36,7 +37,7 @@ bool isScale(double scale) { return std::isfinite(scale) && scale > 0.0; }
 
 /// The power of two nearest to a magnification, as decoders choose their level.
 double nearestPowerOfTwo(double magnification) {
-  return std::ldexp(1.0, -static_cast<int>(std::floor(std::log2(1.0 / magnification) + 0.5)));
+  return std::ldexp(1.0, -gri_levelOf(magnification));
 }
 
 }  // namespace

@@ -82,11 +82,12 @@ GR_STATUS TesraImageReader::finish(GRIOStreamInf* worldStream) {
   return GR_STATUS_OK;
 }
 
-/// Shows the images side by side. Opens all of them once, one after the other.
+/// Shows the images side by side. Opens all of them once, one after the other; those that a scene
+/// has shown stay open only where memory may be large.
 GR_STATUS TesraImageReader::createMosaic(GRIImageStage*& stage) {
   GRUtilSmartPointer<GRIMosaicFilter> mosaic(gr_makeUnique<GRIMosaicFilter>().release());
   if (!mosaic) return GR_STATUS_NO_MEMORY;
-  mosaic->setReleaseClosedTiles(true);
+  mosaic->setReleaseClosedTiles(m_manager->getMemoryUsage() != TESRA_MEMORY_LARGE);
   GR_RETURN_IF_FAILED(mosaic->initialize(*m_manager, nullptr, true, true));
   stage = mosaic.detach();
   return GR_STATUS_OK;

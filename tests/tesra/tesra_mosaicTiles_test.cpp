@@ -98,6 +98,21 @@ TEST(TesraMosaicTilesTest, AWholeDecodeInStripsKeepsOneRowOfTilesOpen) {
   ASSERT_EQ(reader.readEnd(), 0u);
 }
 
+TEST(TesraMosaicTilesTest, TilesStayOpenWhereMemoryMayBeLarge) {
+  const auto stream = tg3_memoryStream(fileOfTiles(2));
+  const GRUtilSmartPointer<TesraImageReader> reader(gr_makeUnique<TesraImageReader>().release());
+  ASSERT_EQ(reader->initialize(*stream, nullptr, TESRA_MEMORY_LARGE, TESRA_STREAM_KEEP_OPEN), 0u);
+  TileCounter counter(*reader);
+  TesraPicture::Bytes samples(size_t{2 * SIDE} * SIDE);
+  void* band = samples.data();
+  for (int scene = 0; scene < 2; ++scene) {
+    GRISceneBuffer buffer(reader->getPixelProps(), 2 * SIDE, SIDE, &band);
+    ASSERT_EQ(reader->read(GRIScene(0, 0, 2 * SIDE, SIDE, 1.0), buffer), 0u);
+    EXPECT_EQ(counter.numOpened, 2u);
+    EXPECT_EQ(counter.numOpen(), 2u);
+  }
+}
+
 TEST(TesraMosaicTilesTest, AWorldFileMovesThePictureAndNoTileInIt) {
   const TesraBytes bytes = fileOfTiles(2);
   TesraPicture plain(bytes);

@@ -87,7 +87,7 @@ class Array2D {
     T* const first = m_memory.data() + (beyond == 0 ? 0 : ALIGNMENT - beyond);
     for (gr_uint32 i = 0; i < numPlanes; ++i) m_planes[i] = first + i * static_cast<size_t>(plane);
     if (clear) std::fill_n(first, static_cast<size_t>(plane) * numPlanes, T{});
-    setSize(numPlanes, static_cast<size_t>(stride), width, height);
+    setSize(static_cast<size_t>(stride), width, height);
     return GR_STATUS_OK;
   }
 
@@ -98,7 +98,7 @@ class Array2D {
     assert(numPlanes <= MAX_PLANES);
     release();
     std::copy_n(planes, numPlanes, m_planes.begin());
-    setSize(numPlanes, stride, width, height);
+    setSize(stride, width, height);
   }
 
   /// Gives the planes away; their size stays.
@@ -110,7 +110,6 @@ class Array2D {
   }
 
   bool hasPlanes() const { return m_planes[0] != nullptr; }
-  gr_uint32 getNumPlanes() const { return m_numPlanes; }
   gr_int64 getWidth() const { return m_width; }
   gr_int64 getHeight() const { return m_height; }
   size_t getStride() const { return m_stride; }  ///< from one row to the next, in samples
@@ -127,15 +126,13 @@ class Array2D {
     const gr_uint64 stride = gr_ceilDivide(width, ALIGNMENT) * ALIGNMENT;
     return stride % PAGE == 0 ? stride + ALIGNMENT : stride;
   }
-  void setSize(gr_uint32 numPlanes, size_t stride, gr_int64 width, gr_int64 height) {
-    m_numPlanes = numPlanes;
+  void setSize(size_t stride, gr_int64 width, gr_int64 height) {
     m_stride = stride;
     m_width = width;
     m_height = height;
   }
 
   std::array<T*, MAX_PLANES> m_planes{};
-  gr_uint32 m_numPlanes = 0;
   size_t m_stride = 0;
   gr_int64 m_width = 0;
   gr_int64 m_height = 0;

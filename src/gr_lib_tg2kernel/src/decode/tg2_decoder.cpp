@@ -13,8 +13,6 @@
 
 namespace {
 
-constexpr TG2Rect EMPTY_RECT = {0, 1, -1, 0};
-
 // The last place of a line of `size` samples `level` halvings down, or doublings up; of those that
 // 32 bits can name.
 gr_int32 lastAtLevel(gr_uint32 size, gr_int32 level) {
@@ -84,7 +82,7 @@ GR_STATUS TG2Decoder::decodeBegin(const TG2Rect& rect, gr_int32 level, gr_uint32
 }
 
 TG2Rect TG2Decoder::stripRect(gr_uint32 strip) const {
-  if (strip >= m_numStrips) return EMPTY_RECT;
+  if (strip >= m_numStrips) return {};
   const gr_int64 y0 = m_clippedRect.y0 + gr_int64{strip} * m_stripHeight;
   TG2Rect rect = m_clippedRect;
   rect.y0 = static_cast<gr_int32>(y0);

@@ -14,6 +14,7 @@
 #include "gr_lib_utils/include/gr_memory.h"
 #include "gr_lib_utils/include/gr_status.h"
 #include "image/gri_geoCoord.h"
+#include "image/gri_level.h"
 #include "image/gri_pixel.h"
 #include "image/gri_scene.h"
 #include "metadata/gri_metadataAcc.h"
@@ -24,13 +25,6 @@ namespace {
 
 constexpr gr_uint16 MARKER_METADATA = 0xFFD1;
 constexpr int LARGEST_MAGNIFICATION_EXPONENT = 20;
-
-// The number of halvings that comes nearest to a magnification; enlargements are negative.
-gr_int32 levelOf(double magnification) {
-  constexpr double LIMIT = 127.0;
-  const double level = std::floor(std::log2(1.0 / magnification) + 0.5);
-  return static_cast<gr_int32>(std::clamp(level, -LIMIT, LIMIT));
-}
 
 // The colour space of an image that doesn't name it.
 GRIColorSpace colorSpaceOf(gr_uint32 numBands) {
@@ -161,7 +155,7 @@ GR_STATUS TG2ImageReader::getDimsAtMag(double mag, gr_uint32& width, gr_uint32& 
     return GR_STATUS_OUT_OF_RANGE;
   }
   TG2Rect rect;
-  GR_RETURN_IF_FAILED(m_info->getLevelSupport(levelOf(mag), rect));
+  GR_RETURN_IF_FAILED(m_info->getLevelSupport(gri_levelOf(mag), rect));
   width = static_cast<gr_uint32>(rect.getWidth());
   height = static_cast<gr_uint32>(rect.getHeight());
   return GR_STATUS_OK;
@@ -198,7 +192,7 @@ GR_STATUS TG2ImageReader::decodeBegin(const GRIScene& scene) {
   TG2Rect rect;
   gr_int32 level = 0;
   if (!rectOfScene(scene, sceneRect)) return TG2_STATUS_SUPPORT_TOO_LARGE;
-  GR_RETURN_IF_FAILED(m_info->getSupport(sceneRect, levelOf(scene.getMag()), rect, level));
+  GR_RETURN_IF_FAILED(m_info->getSupport(sceneRect, gri_levelOf(scene.getMag()), rect, level));
   m_decoder->setInterrupt(getInterruptDelegate());
   return m_decoder->decodeBegin(rect, level, getStripHeight());
 }

@@ -6,7 +6,8 @@
 
 #include "gr_lib_utils/include/gr_types.h"
 
-/// Columns x0 to x1 and rows y0 to y1. An empty one has x1 below x0 or y1 below y0.
+/// Columns x0 to x1 and rows y0 to y1. An empty one has x1 below x0 or y1 below y0; it is empty at
+/// first.
 struct TG2Rect {
   gr_int32 x0 = 0;
   gr_int32 y0 = 1;

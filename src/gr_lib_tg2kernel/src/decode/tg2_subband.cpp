@@ -12,8 +12,6 @@ constexpr float LEVEL_GAIN = 1.3215904F;
 constexpr float LOW_GAIN = 1.1496044397354126F;
 constexpr float HIGH_GAIN = 0.8698644206960049F;
 
-constexpr TG2Rect EMPTY_WINDOW = {0, 1, -1, 0};
-
 float rootGain(gr_int32 level) {
   float gain = 1.0F;
   for (gr_int32 i = level < 0 ? -level : level; i > 0; --i) gain *= LEVEL_GAIN;
@@ -33,7 +31,7 @@ TG2Rect childWindow(const TG2Subband& parent, bool xHigh, bool yHigh) {
   const TG2Rect& window = parent.getWindow();
   tg2_channelSupport(window.x0, window.x1, parent.getFullWidth(), xHigh, x0, x1);
   tg2_channelSupport(window.y0, window.y1, parent.getFullHeight(), yHigh, y0, y1);
-  if (x1 < x0 || y1 < y0) return EMPTY_WINDOW;
+  if (x1 < x0 || y1 < y0) return {};
   // No further to the right or down than the parent's, which has 32 bits.
   return {static_cast<gr_int32>(x0), static_cast<gr_int32>(y0), static_cast<gr_int32>(x1),
           static_cast<gr_int32>(y1)};

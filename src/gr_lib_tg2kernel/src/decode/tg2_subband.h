@@ -3,7 +3,6 @@
 #pragma once
 
 #include <array>
-#include <functional>
 #include <memory>
 
 #include "gr_lib_tg2kernel/src/decode/tg2_array2D.h"

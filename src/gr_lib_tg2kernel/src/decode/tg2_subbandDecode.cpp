@@ -9,22 +9,10 @@
 #include "gr_lib_tg2kernel/src/decode/tg2_huffmanDecode.h"
 #include "gr_lib_tg2kernel/src/decode/tg2_huffmanTableCache.h"
 #include "gr_lib_tg2kernel/src/decode/tg2_restart.h"
-#include "gr_lib_tg2kernel/src/decode/tg2_status.h"
 #include "gr_lib_tg2kernel/src/decode/tg2_subband.h"
-#include "gr_lib_utils/include/gr_exception.h"
-#include "image/gri_delegates.h"
+#include "gr_lib_tg2kernel/src/decode/tg2_throw.h"
 
 namespace {
-
-void throwIfFailed(GR_STATUS status) {
-  if (!GR_SUCCESS(status)) throw GRUtilException(status);
-}
-
-void poll(GRIInterruptDelegate* interrupt) {
-  if (interrupt != nullptr && interrupt->getInterruptStatus() != 0) {
-    throw GRUtilException(TG2_STATUS_INTERRUPT);
-  }
-}
 
 // The records of one band of a block that meet a window, straight into a plane.
 class BandDecoder {
@@ -51,8 +39,8 @@ class BandDecoder {
         key.record = static_cast<gr_uint32>(row * across + col);
         assert(key.record < m_band.getNumRecords());
         std::span<const gr_uint8> data;
-        throwIfFailed(m_band.getRecord(key.record, data));
-        poll(interrupt);
+        tg2_throwIfFailed(m_band.getRecord(key.record, data));
+        tg2_poll(interrupt);
         const TG2Rect record = recordRect(col, row);
         const TG2Rect wanted = record.intersect(m_window);
         float* const out = m_out + static_cast<size_t>(wanted.y0 - m_window.y0) * m_stride +
@@ -61,7 +49,7 @@ class BandDecoder {
                                              wanted, restartList.find(key));
         // Where only columns are left, no strip below goes on.
         restartList.update(key, wanted.y1 == record.y1 ? std::nullopt : place);
-        poll(interrupt);
+        tg2_poll(interrupt);
       }
     }
   }
@@ -122,7 +110,7 @@ void TG2Subband::decodeLeaf(const TG2DBInfo& db, gr_int32 level, TG2RestartList&
   const float normalizer = tg2_levelNormalizer(level);
   const TG2NoiseOrigin origin = {subband->getNoiseOriginX(), subband->getNoiseOriginY()};
   TG2BlockIterator blocks(*subband);
-  throwIfFailed(blocks.start(m_window));
+  tg2_throwIfFailed(blocks.start(m_window));
   while (TG2Block* const block = blocks.getBlock()) {
     const TG2Rect window = block->getRect().intersect(m_window);
     assert(!window.isEmpty());
@@ -139,6 +127,6 @@ void TG2Subband::decodeLeaf(const TG2DBInfo& db, gr_int32 level, TG2RestartList&
           .decode(dequantizer, step, {band, block->getIndex(), index, 0}, restartList, tables,
                   interrupt);
     }
-    throwIfFailed(blocks.next());
+    tg2_throwIfFailed(blocks.next());
   }
 }

@@ -13,8 +13,6 @@ bool haveSameShape(const TG2Subband& a, const TG2Subband& b) {
          a.getFullHeight() == b.getFullHeight();
 }
 
-constexpr TG2Rect EMPTY_WINDOW = {0, 1, -1, 0};
-
 }  // namespace
 
 std::unique_ptr<TG2Subband> TG2Subband::sharedPart(const TG2Subband& a, const TG2Subband& b) {
@@ -30,7 +28,7 @@ std::unique_ptr<TG2Subband> TG2Subband::sharedNode(const TG2Subband& a, const TG
     const bool isNothing = a.m_window.isEmpty() && b.m_window.isEmpty();
     if (parent == nullptr && a.isLeaf()) return nullptr;
     if (parent != nullptr && !isNothing) throw GRUtilException(TG2_STATUS_SHARED_NOTHING);
-    window = EMPTY_WINDOW;
+    window = {};
   }
   std::unique_ptr<TG2Subband> node = like(a, window, parent);
   for (size_t i = 0; i < a.m_children.size() && !a.isLeaf(); ++i) {
@@ -68,7 +66,7 @@ std::unique_ptr<TG2Subband> TG2Subband::remainingNode(TG2Subband& a, const TG2Su
       throw GRUtilException(TG2_STATUS_REMAINDER_WINDOW);
     }
     window.y0 = held.y1 + 1;
-    if (window.isEmpty()) window = EMPTY_WINDOW;
+    if (window.isEmpty()) window = {};
   }
   std::unique_ptr<TG2Subband> node = like(a, window, parent);
   for (size_t i = 0; i < a.m_children.size() && !a.isLeaf(); ++i) {

@@ -2,26 +2,14 @@
 
 #include <algorithm>
 
-#include "gr_lib_tg2kernel/src/decode/tg2_status.h"
 #include "gr_lib_tg2kernel/src/decode/tg2_subband.h"
-#include "gr_lib_utils/include/gr_exception.h"
-#include "image/gri_delegates.h"
+#include "gr_lib_tg2kernel/src/decode/tg2_throw.h"
 
 namespace {
 
 // A window is made in pieces of so many columns, so that what moves down along them stays in the
 // cache, for all bands.
 constexpr gr_int64 PIECE_COLUMNS = 2048;
-
-void throwIfFailed(GR_STATUS status) {
-  if (!GR_SUCCESS(status)) throw GRUtilException(status);
-}
-
-void poll(GRIInterruptDelegate* interrupt) {
-  if (interrupt != nullptr && interrupt->getInterruptStatus() != 0) {
-    throw GRUtilException(TG2_STATUS_INTERRUPT);
-  }
-}
 
 // Calls `body` with the window's pieces from left to right, all nearly of one width.
 template <typename Body>
@@ -62,9 +50,9 @@ void TG2Subband::synthesize(GRIInterruptDelegate* interrupt) {
     TG2SynthesisFilter filter;
     for (gr_uint32 band = 0; band < m_numBands; ++band) {
       forEachPiece(m_window, [&](const TG2Rect& piece) {
-        throwIfFailed(filter.begin(piece, m_fullWidth, m_fullHeight, getChannels(band)));
+        tg2_throwIfFailed(filter.begin(piece, m_fullWidth, m_fullHeight, getChannels(band)));
         for (gr_int64 y = 0; y < m_window.getHeight(); ++y) {
-          poll(interrupt);
+          tg2_poll(interrupt);
           filter.nextRow(getRow(band, y) + (piece.x0 - m_window.x0));
         }
       });
@@ -78,16 +66,16 @@ void TG2Subband::synthesize(GRIInterruptDelegate* interrupt, TG2RowSink& sink) {
   std::array<TG2SynthesisFilter, MAX_PLANES> filters;
   std::array<const float*, MAX_PLANES> rows{};
   GRArray<float> room;
-  throwIfFailed(room.allocate(PIECE_COLUMNS * MAX_PLANES));
+  tg2_throwIfFailed(room.allocate(PIECE_COLUMNS * MAX_PLANES));
   forEachPiece(m_window, [&](const TG2Rect& piece) {
     const gr_int64 x = piece.x0 - m_window.x0;
     if (!isLeaf()) {
       for (gr_uint32 band = 0; band < m_numBands; ++band) {
-        throwIfFailed(filters[band].begin(piece, m_fullWidth, m_fullHeight, getChannels(band)));
+        tg2_throwIfFailed(filters[band].begin(piece, m_fullWidth, m_fullHeight, getChannels(band)));
       }
     }
     for (gr_int64 y = 0; y < m_window.getHeight(); ++y) {
-      poll(interrupt);
+      tg2_poll(interrupt);
       for (gr_uint32 band = 0; band < m_numBands; ++band) {
         float* const made = room.data() + band * PIECE_COLUMNS;
         if (!isLeaf()) filters[band].nextRow(made);

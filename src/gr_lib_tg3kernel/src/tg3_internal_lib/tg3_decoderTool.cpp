@@ -10,19 +10,13 @@
 #include "gr_lib_utils/include/gr_exception.h"
 #include "gr_lib_utils/include/gr_memory.h"
 #include "gr_lib_utils/include/gr_status.h"
+#include "image/gri_level.h"
 #include "image/gri_pixel.h"
 #include "image/gri_sceneBuffer.h"
 
 namespace {
 
 constexpr int LARGEST_MAGNIFICATION_EXPONENT = 127;
-
-// The number of halvings that comes nearest to a magnification; enlargements are negative.
-gr_int32 scaleOf(double magnification) {
-  constexpr double LIMIT = 127.0;
-  const double scale = std::floor(std::log2(1.0 / magnification) + 0.5);
-  return static_cast<gr_int32>(std::clamp(scale, -LIMIT, LIMIT));
-}
 
 // Decoders write samples of these types, all others stop here.
 bool isDecoded(GRIDataType dataType) {
@@ -90,7 +84,7 @@ GR_STATUS TG3DecoderTool::decodeBegin(const GRIScene& scene) {
   rect.right = rect.left + scene.getNumCols() - 1;
   rect.bottom = rect.top + scene.getNumRows() - 1;
   Pipe::Geometry geometry;
-  GR_RETURN_IF_FAILED(tg3_locateScene(info, rect, scaleOf(scene.getMag()), geometry));
+  GR_RETURN_IF_FAILED(tg3_locateScene(info, rect, gri_levelOf(scene.getMag()), geometry));
 
   if (m_decodeBase == nullptr) GR_RETURN_IF_FAILED(createDecodeBase());
   m_decodeBase->setInterruptDelegate(getInterruptDelegate());
