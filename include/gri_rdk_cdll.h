@@ -22,7 +22,8 @@
  * - Handles are pointers that nobody registers: one that is used after it was closed, or that was
  *   never opened, is undefined behaviour.
  * - Only memory that runs out inside a constructor can raise a C++ exception through this
- *   interface (it carries status 8). A host in C++ may catch it; the handle stays closable.
+ *   interface (it carries status 8). A host in C++ may catch it, by `catch (...)`; the handle stays
+ *   closable. In a host that can't, it ends the program.
  *
  * The header is valid C89, C11 and C++17.
  */
@@ -170,7 +171,8 @@ GRI_EXPORT const char* getRawStatusString(GR_STATUS status);
  * The callbacks of a stream. Each gets the `user` pointer of its stream, and is called on the
  * thread that called the library. None may be null, but for `write` where nothing writes (no
  * reader does) and `duplicate` where nothing duplicates (Tesra images do): a null `duplicate`
- * makes duplication fail.
+ * makes duplication fail. A callback must return: it neither throws nor jumps out. It must not use
+ * the image or the stream that it works for.
  */
 
 /** Makes the stream ready; called on a closed stream. @return a status, 0 for success */
@@ -198,8 +200,11 @@ typedef gr_uint8 (*gr_ioCIsOpenFunction)(void* user);
  * of its own; the same callbacks serve it.
  *
  * The library never frees a user pointer, neither this one nor the first: what belongs to it is
- * the host's to free. The library does close the duplicate (calls `close` if `isOpen` gives 1)
- * before it lets go of it, at the latest in gric_closeImage, so `close` is the place to do it.
+ * the host's to free. What is dear (a file, a connection) is best taken in `open` and given back in
+ * `close`, which the library calls on every stream that it opened. The pointer itself must outlive
+ * that: a stream may be opened and closed many times, and the last that it is asked is `isOpen`. It
+ * may go after gric_closeImage of the image that duplicated the stream, or for a duplicate of
+ * gr_ioCStreamDuplicate after its gr_ioCStreamDestroy.
  * A null result is no failure to the library: it becomes the `user` of the new stream, whose
  * callbacks must then refuse.
  */
@@ -308,7 +313,9 @@ GRI_EXPORT GR_STATUS gric_openTesraImageFile(gric_image* image, const char* file
 
 /**
  * The same from a stream of the host's, which must support duplication, stays the host's, and must
- * live until gric_closeImage has returned.
+ * live until gric_closeImage has returned. A stream that is closed is opened for each use and
+ * closed again; one that is open stays open. Images on one stream count as one handle for the rule
+ * of one thread at a time.
  */
 GRI_EXPORT GR_STATUS gric_openTesraImageStream(gric_image* image, gr_ioCStream stream);
 
@@ -408,7 +415,9 @@ GRI_EXPORT gr_int32 gric_isTesraLocked(gric_image image);
 
 /**
  * Gives the password of a locked Tesra image, which replaces an earlier one. Call it after the
- * open and before a decode; a wrong password is noticed only by the decode.
+ * open and before a decode; a wrong password is noticed only by the decode, which then answers 2011
+ * (for the older generation 4005 without a password, 4006 for a wrong one and 4009 for one that is
+ * too long). What isn't locked decodes without one.
  *
  * @param password  copied
  * @return 0; 52001 for a null argument; 8 for memory; 50002 when the image is no Tesra image
@@ -420,8 +429,9 @@ GRI_EXPORT GR_STATUS gric_setTesraPassword(gric_image image, const char* passwor
 /**
  * Decodes a rectangle of the image into buffers of the caller.
  *
- * The corners of the rectangle are rounded to whole pixels, halves away from zero; the rounded
- * rectangle must lie inside the image at that magnification.
+ * The edges of the rectangle are rounded to whole pixels, as round(v) = floor(v + 0.5): it has
+ * round(xUpperLeft + width) - round(xUpperLeft) columns, and rows likewise, so that neighbours meet
+ * without a gap. The rounded rectangle must lie inside the image at that magnification.
  *
  * @param xUpperLeft, yUpperLeft  corner of the rectangle, in pixels at `magnification`
  * @param width, height           its size, in pixels at `magnification`
@@ -430,9 +440,10 @@ GRI_EXPORT GR_STATUS gric_setTesraPassword(gric_image image, const char* passwor
  *                  gric_getDataType, row after row without padding; the caller's before and after.
  *                  Bands are not interleaved
  * @return 0; 52001 when `image`, `bandData` or one of its pointers is null; 50012 when the
- *         rectangle is too large, 50013 when it is empty, 50014 when it lies outside of the image,
- *         50015 when the magnification is out of range; 8 for memory; else the status of the stage
- *         that failed, and then the buffers may be partly written
+ *         rectangle rounds to no column, or is so wide that the samples of a strip are a multiple
+ *         of 2^32; 50013 when it is empty or wholly outside of the image, 50014 when it reaches out
+ *         of it, 50015 when the magnification is out of range; 8 for memory; else the status of the
+ *         stage that failed, and then the buffers may be partly written
  *
  * Works in strips: the memory used doesn't grow with the height of the rectangle. Runs on the
  * calling thread. One image serves one thread at a time.
