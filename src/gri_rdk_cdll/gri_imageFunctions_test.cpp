@@ -1,4 +1,5 @@
 #include <gmock/gmock.h>
+#include <unistd.h>
 
 #include <cmath>
 #include <filesystem>
@@ -8,7 +9,6 @@
 #include <vector>
 
 #include "gri_rdk_cdll/gri_fakeStage.h"
-#include "image/tesra_imageReaderInterface.h"
 
 namespace {
 
@@ -328,8 +328,14 @@ TEST_F(ImageFunctionsTest, CloseOnlyWithTheLastReference) {
   EXPECT_EQ(FakeStage::s_alive, 1);
 }
 
-TEST(OpenFunctionsTest, RefuseNullArguments) {
-  gric_image image = nullptr;
+/// A handle that no open function has made: shows who writes there.
+gric_image staleHandle() {
+  static int something = 0;
+  return static_cast<gric_image>(static_cast<void*>(&something));
+}
+
+TEST(OpenFunctionsTest, RefuseNullArgumentsAndWriteNothing) {
+  gric_image image = staleHandle();
   EXPECT_EQ(gric_openTesraImageFile(nullptr, "x"), 52001u);
   EXPECT_EQ(gric_openTesraImageFile(&image, nullptr), 52001u);
   EXPECT_EQ(gric_openTesraImageStream(&image, nullptr), 52001u);
@@ -338,22 +344,58 @@ TEST(OpenFunctionsTest, RefuseNullArguments) {
   EXPECT_EQ(gric_openJP2ImageStream(&image, nullptr), 52001u);
   EXPECT_EQ(gric_openNITFImageFile(nullptr, "x"), 52001u);
   EXPECT_EQ(gric_openNITFImageFile(&image, nullptr), 52001u);
+  EXPECT_EQ(image, staleHandle());
+}
+
+/// A stream of a host's that can't be opened.
+class UselessStream {
+ public:
+  UselessStream() = default;
+  UselessStream(const UselessStream&) = delete;
+  UselessStream& operator=(const UselessStream&) = delete;
+  ~UselessStream() { gr_ioCStreamDestroy(m_handle); }
+
+  gr_ioCStream handle() const { return m_handle; }
+
+ private:
+  static gr_int32 refuse(void*) { return 5; }
+  static gr_uint8 isNever(void*) { return 0; }
+
+  gr_ioCStream m_handle = gr_ioCallbackStreamCreate(refuse, refuse, nullptr, nullptr, nullptr,
+                                                    nullptr, isNever, isNever, nullptr, nullptr);
+};
+
+TEST(OpenFunctionsTest, RefuseANullHandleForAStream) {
+  const UselessStream stream;
+  EXPECT_EQ(gric_openTesraImageStream(nullptr, stream.handle()), 52001u);
+  EXPECT_EQ(gric_openJP2ImageStream(nullptr, stream.handle()), 52001u);
 }
 
 TEST(OpenFunctionsTest, LeaveANullHandleWhenTheyFail) {
-  int something = 0;
-  const auto stale = static_cast<gric_image>(static_cast<void*>(&something));
   for (const auto open : {gric_openTesraImageFile, gric_openJP2ImageFile, gric_openNITFImageFile}) {
-    gric_image image = stale;
+    gric_image image = staleHandle();
     EXPECT_NE(open(&image, "/no such file"), 0u);
+    EXPECT_EQ(image, nullptr);
+  }
+  const UselessStream stream;
+  for (const auto open : {gric_openTesraImageStream, gric_openJP2ImageStream}) {
+    gric_image image = staleHandle();
+    EXPECT_NE(open(&image, stream.handle()), 0u);
     EXPECT_EQ(image, nullptr);
   }
 }
 
-TEST(OpenFunctionsTest, RefuseAFileThatIsNoTesraImage) {
-  const std::filesystem::path path = std::filesystem::temp_directory_path() / "gri_no_tesra";
-  std::ofstream(path) << "tsrb and more than enough bytes behind it";
+TEST(OpenFunctionsTest, CannotOpenATesraStreamThatRefuses) {
+  const UselessStream stream;
   gric_image image = nullptr;
+  EXPECT_EQ(gric_openTesraImageStream(&image, stream.handle()), 50613u);
+}
+
+TEST(OpenFunctionsTest, RefuseAFileThatIsNoTesraImage) {
+  const std::filesystem::path path =
+      testing::TempDir() + "gri_no_tesra_" + std::to_string(getpid());
+  std::ofstream(path) << "tsrb and more than enough bytes behind it";
+  gric_image image = staleHandle();
   EXPECT_EQ(gric_openTesraImageFile(&image, path.c_str()), 50607u);
   EXPECT_EQ(image, nullptr);
   std::filesystem::remove(path);
@@ -370,6 +412,15 @@ TEST(OpenFunctionsTest, HaveNoReaderOfJpeg2000Yet) {
   gric_image image = nullptr;
   EXPECT_EQ(gric_openJP2ImageFile(&image, "/no such.jp2"), 50002u);
   EXPECT_EQ(image, nullptr);
+}
+
+TEST(OpenFunctionsTest, KeepThePathWhenMessagesAreTurnedOnTwice) {
+  ASSERT_EQ(initializeStatusStrings(), 0u);
+  gric_image image = nullptr;
+  EXPECT_EQ(gric_openTesraImageFile(&image, "/no such.tsr"), 50613u);
+  EXPECT_EQ(initializeStatusStrings(), 3070u);
+  EXPECT_STREQ(getLastStatusString(50613), "can't open file: /no such.tsr [50613]");
+  EXPECT_EQ(terminateStatusStrings(), 0u);
 }
 
 TEST(OpenFunctionsTest, TellThePathOfATesraFileThatCannotBeOpened) {

@@ -73,12 +73,6 @@ GR_STATUS gric_openNITFImageFile(gric_image* image, const char* fileName) {
   return GR_STATUS_OK;
 }
 
-GR_STATUS gric_setTesraPassword(gric_image image, const char* password) {
-  if (image == nullptr || password == nullptr) return GR_STATUS_NULL_ARGUMENT;
-  auto* const reader = dynamic_cast<TesraImageReader*>(&gri_stageOf(image));
-  return reader != nullptr ? reader->setPassword(password) : GRI_STATUS_UNSUPPORTED_OPERATION;
-}
-
 GR_STATUS gric_closeImage(gric_image image) {
   if (image == nullptr) return GR_STATUS_NULL_ARGUMENT;
   static_cast<void>(gri_stageOf(image).release());

@@ -5,8 +5,45 @@
 #include "image/gri_geoCoord.h"
 #include "image/gri_imageStage.h"
 #include "image/gri_pixel.h"
-#include "image/tesra_imageReaderInterface.h"
 #include "metadata/gri_metadataDatabase.h"
+
+// The numbers of the header are those of the stages.
+static_assert(GRIC_DATATYPE_INVALID == GRI_DATATYPE_INVALID);
+static_assert(GRIC_DATATYPE_UINT8 == GRI_DATATYPE_UINT8);
+static_assert(GRIC_DATATYPE_SINT8 == GRI_DATATYPE_SINT8);
+static_assert(GRIC_DATATYPE_UINT16 == GRI_DATATYPE_UINT16);
+static_assert(GRIC_DATATYPE_SINT16 == GRI_DATATYPE_SINT16);
+static_assert(GRIC_DATATYPE_UINT32 == GRI_DATATYPE_UINT32);
+static_assert(GRIC_DATATYPE_SINT32 == GRI_DATATYPE_SINT32);
+static_assert(GRIC_DATATYPE_FLOAT32 == GRI_DATATYPE_FLOAT32);
+static_assert(GRIC_DATATYPE_FLOAT64 == GRI_DATATYPE_FLOAT64);
+static_assert(GRIC_DATATYPE_UINT64 == GRI_DATATYPE_UINT64);
+static_assert(GRIC_DATATYPE_SINT64 == GRI_DATATYPE_SINT64);
+
+static_assert(GRIC_COLORSPACE_INVALID == GRI_COLORSPACE_INVALID);
+static_assert(GRIC_COLORSPACE_GRAYSCALE == GRI_COLORSPACE_GRAYSCALE);
+static_assert(GRIC_COLORSPACE_RGB == GRI_COLORSPACE_RGB);
+static_assert(GRIC_COLORSPACE_CMY == GRI_COLORSPACE_CMY);
+static_assert(GRIC_COLORSPACE_YCC == GRI_COLORSPACE_YCC);
+static_assert(GRIC_COLORSPACE_CMYK == GRI_COLORSPACE_CMYK);
+static_assert(GRIC_COLORSPACE_YCCK == GRI_COLORSPACE_YCCK);
+static_assert(GRIC_COLORSPACE_MULTISPECTRAL == GRI_COLORSPACE_MULTISPECTRAL);
+static_assert((GRIC_COLORSPACE_RGB | GRIC_COLORSPACE_ALPHA) == GRI_COLORSPACE_RGB_ALPHA);
+static_assert((GRIC_COLORSPACE_RGB | GRIC_COLORSPACE_ALPHA | GRIC_COLORSPACE_ALPHA_SECOND_FLAG) ==
+              GRI_COLORSPACE_RGB_ALPHA_2);
+
+static_assert(GRIC_METADATA_DATATYPE_INVALID == GRI_METADATA_DATATYPE_INVALID);
+static_assert(GRIC_METADATA_DATATYPE_UINT8 == GRI_METADATA_DATATYPE_UINT8);
+static_assert(GRIC_METADATA_DATATYPE_SINT8 == GRI_METADATA_DATATYPE_SINT8);
+static_assert(GRIC_METADATA_DATATYPE_UINT16 == GRI_METADATA_DATATYPE_UINT16);
+static_assert(GRIC_METADATA_DATATYPE_SINT16 == GRI_METADATA_DATATYPE_SINT16);
+static_assert(GRIC_METADATA_DATATYPE_UINT32 == GRI_METADATA_DATATYPE_UINT32);
+static_assert(GRIC_METADATA_DATATYPE_SINT32 == GRI_METADATA_DATATYPE_SINT32);
+static_assert(GRIC_METADATA_DATATYPE_UINT64 == GRI_METADATA_DATATYPE_UINT64);
+static_assert(GRIC_METADATA_DATATYPE_SINT64 == GRI_METADATA_DATATYPE_SINT64);
+static_assert(GRIC_METADATA_DATATYPE_FLOAT32 == GRI_METADATA_DATATYPE_FLOAT32);
+static_assert(GRIC_METADATA_DATATYPE_FLOAT64 == GRI_METADATA_DATATYPE_FLOAT64);
+static_assert(GRIC_METADATA_DATATYPE_ASCII == GRI_METADATA_DATATYPE_ASCII);
 
 gr_uint32 gric_getWidth(gric_image image) {
   return image == nullptr ? 0 : gri_stageOf(image).getWidth();
@@ -75,12 +112,6 @@ GR_STATUS gric_getDimsAtMag(gric_image image, double magnification, gr_uint32* w
   *width = columns;
   *height = rows;
   return GR_STATUS_OK;
-}
-
-gr_int32 gric_isTesraLocked(gric_image image) {
-  if (image == nullptr) return 0;
-  const auto* const tesra = dynamic_cast<TesraImageReaderInterface*>(&gri_stageOf(image));
-  return tesra != nullptr && tesra->isLocked() ? 1 : 0;
 }
 
 GR_STATUS gric_getMetadataRecord(gric_image image, gr_uint32 index, const char** tag,

@@ -6,6 +6,11 @@
 #include "gri_rdk_cdll.h"
 #include "gri_rdk_cdll/gri_handles.h"
 
+// The numbers of the header are those of the streams.
+static_assert(GRIC_SEEK_BEGIN == GRIO_SEEK_BEGIN);
+static_assert(GRIC_SEEK_CURRENT == GRIO_SEEK_CURRENT);
+static_assert(GRIC_SEEK_END == GRIO_SEEK_END);
+
 namespace {
 
 gr_int32 toResult(GR_STATUS status) { return std::bit_cast<gr_int32>(status); }
