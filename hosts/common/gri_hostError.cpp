@@ -34,8 +34,8 @@ GRIHostError gri_hostErrorOf(GR_STATUS status) {
   const char* message =
       gri_hostCall([&] { return getLastStatusString(status); }, static_cast<const char*>(nullptr));
   std::string text = message == nullptr ? "unknown status" : message;
-  // The number has a place of its own.
-  const std::string number = " [" + std::to_string(status) + "]";
+  // The number has a place of its own. The library prints it with a sign.
+  const std::string number = " [" + std::to_string(static_cast<gr_int32>(status)) + "]";
   if (text.ends_with(number)) text.resize(text.size() - number.size());
   return {status, text};
 }

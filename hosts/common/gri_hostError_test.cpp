@@ -21,6 +21,7 @@ TEST(GRIHostErrorTest, StatusesWithoutWordsInTheLibraryGetOurs) {
   EXPECT_EQ(gri_hostErrorOf(GRIC_STATUS_NULL_ARGUMENT).text, "required argument missing");
   EXPECT_EQ(gri_hostErrorOf(GRIC_STATUS_OUT_OF_RANGE).text, "number out of range");
   EXPECT_EQ(gri_hostErrorOf(4711).text, "unknown status");
+  EXPECT_EQ(gri_hostErrorOf(0xFFFFFFFE).text, "unknown status");  // the library's [-2]
 }
 
 TEST(GRIHostErrorTest, AnyExceptionThatCrossesTheInterfaceBecomesStatus8) {

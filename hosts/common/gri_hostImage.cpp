@@ -80,6 +80,7 @@ GRIHostError GRIHostImage::open(const std::string& path) {
     return GR_STATUS{GRIC_STATUS_OK};
   });
   if (infoStatus != GRIC_STATUS_OK) return gri_hostErrorOf(infoStatus);
+  opened.m_passwordSource = std::move(m_passwordSource);
   *this = std::move(opened);
   return {};
 }

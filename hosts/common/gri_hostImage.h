@@ -68,7 +68,7 @@ class GRIHostImage {
   /// Gives the password of a locked picture. A wrong one is noticed by `decode`.
   GRIHostError setPassword(const char* password);
   /// Whom `decode` asks for the password when it comes to something locked; nobody at first. A
-  /// picture may be locked in parts, and what is open needs no password.
+  /// picture may be locked in parts, and what is open needs no password. May be set before `open`.
   void setPasswordSource(GRIHostPasswordSource source);
 
   /// The size of the whole picture at a magnification.

@@ -230,6 +230,33 @@ TEST(GRIHostImageTest, ASourceIsAskedForThePasswordWhenItIsNeeded) {
   EXPECT_EQ(passwords.asked, (std::vector<bool>{false, true}));
 }
 
+TEST(GRIHostImageTest, ASourceStaysWhenAPictureIsOpened) {
+  Passwords passwords{{"secret"}};
+  const FakeDirectory directory;
+  FakePicture{.bands = 1, .isLocked = true}.writeTo(directory / "picture");
+  GRIHostImage image;
+  image.setPasswordSource(passwords.source());
+  ASSERT_FALSE(image.open(directory / "picture"));
+  gr_uint8 sample = 0;
+  void* bands[] = {&sample};
+  EXPECT_FALSE(image.decode({0, 0, 1, 1}, 1, bands));
+  EXPECT_EQ(passwords.asked, std::vector<bool>{false});
+}
+
+TEST(GRIHostImageTest, APictureThatIsNotOpenRefusesEverything) {
+  GRIHostImage image;
+  GRIHostRecord record;
+  gr_uint32 width = 0;
+  gr_uint32 height = 0;
+  EXPECT_FALSE(image.isOpen());
+  EXPECT_EQ(image.sizeAt(1, width, height).status, 52001u);
+  EXPECT_EQ(image.setPassword("secret").status, GRI_HOST_STATUS_OPERATION);
+  EXPECT_EQ(image.decode({0, 0, 1, 1}, 1, nullptr).status, GRI_HOST_STATUS_DATATYPE);
+  EXPECT_EQ(image.recordCount(), 0u);
+  EXPECT_FALSE(image.record(0, record));
+  EXPECT_FALSE(image.findRecord("IMAGE::WKT", record));
+}
+
 TEST(GRIHostImageTest, ASourceIsAskedThreeTimesAndThenNoMore) {
   Passwords passwords{{"a", "b", "c", "secret"}};
   OpenPicture locked({.bands = 1, .isLocked = true});

@@ -9,6 +9,7 @@
 /// The properties of an open picture. The keys, always all of them and in this order:
 ///     format                "NITF 2.1"
 ///     size                  [columns, rows]
+///     tiles                 images that the file shows as one picture
 ///     bands                 ["red", "green", "blue"]
 ///     colorSpace            "RGB"
 ///     dataType, bits        "uint16", 11

@@ -435,11 +435,12 @@ double gric_getGeoYResolution(gric_image image) { return image->geo(3); }
 double gric_getGeoXRotation(gric_image image) { return image->geo(4); }
 double gric_getGeoYRotation(gric_image image) { return image->geo(5); }
 gr_uint32 gric_getNumMetadataRecords(gric_image image) {
-  return static_cast<gr_uint32>(image->records.size());
+  return image == nullptr ? 0 : static_cast<gr_uint32>(image->records.size());
 }
 
 GR_STATUS gric_getDimsAtMag(gric_image image, double magnification, gr_uint32* width,
                             gr_uint32* height) {
+  if (image == nullptr) return GRIC_STATUS_NULL_ARGUMENT;
   const FakePicture& picture = image->picture;
   if (magnification < picture.minMagnification || magnification > picture.maxMagnification) {
     return GRIC_STATUS_OUT_OF_RANGE;
