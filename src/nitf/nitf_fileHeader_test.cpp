@@ -81,6 +81,10 @@ TEST_F(NITFFileHeaderTest, WantsAllSegmentsInsideOfAFileOfAnySize) {
   std::string bytes = file.bytes();
   bytes.pop_back();
   EXPECT_EQ(open(bytes), NITF_STATUS_INVALID_FILE);
+  // Nor may the header itself pass the end.
+  file.images.clear();
+  ASSERT_EQ(open(file), GR_STATUS_OK);
+  EXPECT_EQ(openWithLie(file, "HL", "000999"), NITF_STATUS_INVALID_FILE);
 }
 
 TEST_F(NITFFileHeaderTest, RefusesAnEncryptedFile) {

@@ -84,10 +84,10 @@ TEST_F(NITFImageSegmentTest, EachCompressionHasItsStatus) {
 
 TEST_F(NITFImageSegmentTest, EachLayoutFitsSomeCompressions) {
   const std::tuple<const char*, const char*, GR_STATUS> cases[] = {
-      {"NC", "B", 0},     {"NC", "P", 0}, {"NC", "R", 0},     {"NC", "S", 0},
-      {"NC", "X", 51210}, {"C3", "B", 0}, {"C3", "P", 0},     {"C3", "R", 51216},
-      {"C3", "S", 51216}, {"C8", "B", 0}, {"C8", "P", 51210}, {"C8", "R", 51210},
-      {"C8", "S", 51210}};
+      {"NC", "B", 0},     {"NC", "P", 0},     {"NC", "R", 0},    {"NC", "S", 0},
+      {"NC", "X", 51210}, {"C3", "B", 0},     {"C3", "P", 0},    {"C3", "R", 51216},
+      {"C3", "S", 51216}, {"C3", "X", 51216}, {"C8", "B", 0},    {"C8", "P", 51210},
+      {"C8", "R", 51210}, {"C8", "S", 51210}, {"C8", "X", 51210}};
   for (const auto& [code, mode, status] : cases) {
     SCOPED_TRACE(std::string(code) + mode);
     NITFTestSegment segment = *code == 'N' ? nitfTestImage(NITF_TEST_21, {}) : compressed(code);
@@ -126,6 +126,10 @@ TEST_F(NITFImageSegmentTest, TheActualBitsAreThePrecisionAndMustFitTheType) {
   ASSERT_EQ(statusOf(segment), GR_STATUS_OK);
   EXPECT_EQ(image().getPixelProps().getDataType(), GRI_DATATYPE_UINT16);
   EXPECT_EQ(image().getPixelProps().getSample(0).getPrecision(), 11u);
+  segment.header.set("ABPP", 16);
+  EXPECT_EQ(statusOf(segment), GR_STATUS_OK);
+  segment.header.set("ABPP", 17);
+  EXPECT_EQ(statusOf(segment), NITF_STATUS_UNSUPPORTED_DATATYPE);
   EXPECT_EQ(statusWith("ABPP", "00"), NITF_STATUS_UNSUPPORTED_DATATYPE);
   EXPECT_EQ(statusWith("ABPP", "09"), NITF_STATUS_UNSUPPORTED_DATATYPE);
   EXPECT_EQ(statusWith("ABPP", "08"), GR_STATUS_OK);
@@ -231,6 +235,7 @@ TEST_F(NITFImageSegmentTest, CoordinatesAreReadByTheLettersOfTheVersion) {
   // In 2.0 "N" says that there are none.
   EXPECT_EQ(openWithCoordinates(NITF_TEST_20, "N", false), GR_STATUS_OK);
   EXPECT_STREQ(image().getHeader().ICORDS.text(), " ");
+  EXPECT_EQ(openWithCoordinates(NITF_TEST_20, " ", false), GR_STATUS_OK);
   EXPECT_EQ(openWithCoordinates(NITF_TEST_20, "S", true), NITF_STATUS_INVALID_FILE);
   EXPECT_EQ(openWithCoordinates(NITF_TEST_20, "D", true), NITF_STATUS_INVALID_FILE);
 }
@@ -359,6 +364,18 @@ TEST_F(NITFImageSegmentTest, APadCodeIsANumberOfItsLastFourBytes) {
     ASSERT_EQ(statusOf(nitfTestMaskedImage(NITF_TEST_21, blocked(), {.padCode = code})),
               GR_STATUS_OK);
     EXPECT_EQ(image().getMask().getPadCode(), value);
+  }
+}
+
+TEST_F(NITFImageSegmentTest, APadCodeOfOddBitsTakesWholeBytes) {
+  NITFTestSegment segment =
+      nitfTestMaskedImage(NITF_TEST_21, blocked(), {.absent = {2}, .padCode = "\x01\x23"});
+  for (const auto& [bits, value] : {std::pair{'\x0C', 0x0123u}, std::pair{'\x09', 0x0123u}}) {
+    segment.data[9] = bits;
+    ASSERT_EQ(statusOf(segment), GR_STATUS_OK);
+    EXPECT_EQ(image().getMask().getPadCode(), value);
+    EXPECT_FALSE(image().getBlocks().isPresent(2));
+    EXPECT_EQ(image().getBlocks().getOffset(3), 2u * 16);
   }
 }
 

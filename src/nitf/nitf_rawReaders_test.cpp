@@ -1,6 +1,7 @@
 // The readers of uncompressed images, of one block and of many.
 #include <bit>
 #include <cstring>
+#include <filesystem>
 
 #include "image/gri_pixel.h"
 #include "nitf/nitf_rawBlockReader.h"
@@ -144,8 +145,11 @@ TEST_F(NITFRawReadersTest, LinesThatAreLongerThanTheBuffersAreDecodedExactly) {
                                    .blockCols = 9999,
                                    .blockRows = 2};
     ASSERT_EQ(openImage(nitfTestImage(NITF_TEST_21, pixels)), GR_STATUS_OK);
-    ASSERT_NO_FATAL_FAILURE(expectPixels(pixels));
-    ASSERT_NO_FATAL_FAILURE(expectRectangle(pixels, 9990, 1, 20, 2));
+    for (const gr_uint64 cacheBytes : {NITFRawBlockReader::CACHE_BYTES, gr_uint64{1000}}) {
+      blockReader().setCacheBytes(cacheBytes);
+      ASSERT_NO_FATAL_FAILURE(expectPixels(pixels));
+      ASSERT_NO_FATAL_FAILURE(expectRectangle(pixels, 9990, 1, 20, 2));
+    }
   }
 }
 
@@ -169,6 +173,9 @@ TEST_F(NITFRawReadersTest, APictureOfOneBlockMustHaveItsSize) {
   segment = nitfTestImage(NITF_TEST_21, {});
   segment.header.set("NBPP", 12);
   EXPECT_EQ(openImage(segment), GRI_STATUS_RAW_SIZE);
+  // A block that is larger than the image, as long as the file is.
+  segment = nitfTestImage(NITF_TEST_21, {.blockCols = 8, .blockRows = 5});
+  EXPECT_EQ(openImage(segment), GRI_STATUS_RAW_SIZE);
 }
 
 TEST_F(NITFRawReadersTest, APictureWithoutPixelsOpensAndDoesntDecode) {
@@ -179,6 +186,23 @@ TEST_F(NITFRawReadersTest, APictureWithoutPixelsOpensAndDoesntDecode) {
     ASSERT_EQ(openImage(segment), GR_STATUS_OK);
     NITFBands bands;
     EXPECT_EQ(decode(bands), NITF_STATUS_READ_ERROR);
+    EXPECT_EQ(decode(*m_reader, 3, 2, 1, 1, bands), NITF_STATUS_READ_ERROR);
+  }
+}
+
+TEST_F(NITFRawReadersTest, AFileThatShrinksBehindTheReaderFailsTheDecode) {
+  for (const gr_uint32 blockSize : {0U, 50U}) {
+    // Larger than what a stream reads ahead.
+    const NITFTestPixels pixels = {
+        .numCols = 200, .numRows = 200, .blockCols = blockSize, .blockRows = blockSize};
+    const std::string bytes = nitfTestFileOf(nitfTestImage(NITF_TEST_21, pixels)).bytes();
+    const std::string name = write(bytes);
+    ASSERT_EQ(openFile(name), GR_STATUS_OK);
+    ASSERT_EQ(m_manager->createReader(m_reader, 1), GR_STATUS_OK);
+    std::filesystem::resize_file(name, bytes.size() - 1);
+    NITFBands bands;
+    EXPECT_EQ(decode(bands), NITF_STATUS_READ_ERROR);
+    EXPECT_EQ(decode(*m_reader, 199, 199, 1, 1, bands), NITF_STATUS_READ_ERROR);
   }
 }
 
@@ -191,8 +215,25 @@ TEST_F(NITFRawReadersTest, ABlockThatIsntWholeFailsAndTheOthersDont) {
   EXPECT_EQ(decode(bands), NITF_STATUS_READ_ERROR);
   expectRectangle(pixels, 0, 0, 8, 4);
   expectRectangle(pixels, 0, 4, 4, 4);
+  // What failed isn't held for good.
+  EXPECT_EQ(decode(*m_reader, 4, 4, 1, 1, bands), NITF_STATUS_READ_ERROR);
   EXPECT_EQ(decode(*m_reader, 4, 4, 1, 1, bands), NITF_STATUS_READ_ERROR);
   expectRectangle(pixels, 0, 4, 4, 4);
+  // Nor is any row of it given out, whatever part is read.
+  blockReader().setCacheBytes(8);
+  EXPECT_EQ(decode(*m_reader, 4, 4, 4, 1, bands), NITF_STATUS_READ_ERROR);
+  expectRectangle(pixels, 0, 4, 4, 4);
+}
+
+TEST_F(NITFRawReadersTest, ABlockBehindAMaskMustBeWholeToo) {
+  const NITFTestPixels pixels = {.numCols = 8, .numRows = 8, .blockCols = 4, .blockRows = 4};
+  NITFTestSegment segment = nitfTestMaskedImage(NITF_TEST_21, pixels, {.gap = 3});
+  segment.data.pop_back();
+  ASSERT_EQ(openImage(segment), GR_STATUS_OK);
+  blockReader().setCacheBytes(8);
+  NITFBands bands;
+  EXPECT_EQ(decode(*m_reader, 4, 4, 4, 1, bands), NITF_STATUS_READ_ERROR);
+  expectRectangle(pixels, 0, 0, 8, 4);
 }
 
 TEST_F(NITFRawReadersTest, EntriesThatPointBehindTheDataFailTheDecode) {
@@ -254,30 +295,51 @@ TEST_F(NITFRawReadersTest, RowsOfBlocksThatAreTooLargeAreReadByPartsEachByteOnce
 }
 
 TEST_F(NITFRawReadersTest, StripsThatAreTooLargeForTheCacheAreRead) {
+  // Room for a few rows, and not even for one.
+  for (const gr_uint64 cacheBytes : {gr_uint64{2000}, gr_uint64{10}}) {
+    for (const char mode : {'B', 'P', 'R', 'S'}) {
+      SCOPED_TRACE(testing::Message() << mode << ' ' << cacheBytes);
+      NITFTestPixels pixels = {.numCols = 90,
+                               .numRows = 150,
+                               .numBands = 3,
+                               .sampleBytes = 2,
+                               .mode = mode,
+                               .blockCols = 60,
+                               .blockRows = 70};
+      openCounting(nitfTestImage(NITF_TEST_21, pixels));
+      blockReader().setCacheBytes(cacheBytes);
+      expectPixels(pixels);
+      expectRectangle(pixels, 55, 60, 10, 20);
+
+      // With a table of blocks, and with pad pixels.
+      openCounting(nitfTestMaskedImage(NITF_TEST_21, pixels, {.absent = {}}));
+      blockReader().setCacheBytes(cacheBytes);
+      expectPixels(pixels);
+      pixels.sample = [](gr_uint32 band, gr_uint32 row, gr_uint32 col) {
+        return row % 3 == 0 ? 7U : 100 + band + col;
+      };
+      openCounting(nitfTestMaskedImage(NITF_TEST_21, pixels, {.padCode = "\x07"}));
+      blockReader().setCacheBytes(cacheBytes);
+      pixels.sample = [](gr_uint32 band, gr_uint32 row, gr_uint32 col) {
+        return row % 3 == 0 ? 0U : 100 + band + col;
+      };
+      expectPixels(pixels);
+    }
+  }
+}
+
+TEST_F(NITFRawReadersTest, AbsentBlocksShowTheBackgroundInStripsThatAreTooLargeForTheCache) {
+  NITFTestPixels pixels = {
+      .numCols = 8, .numRows = 8, .numBands = 2, .blockCols = 4, .blockRows = 4};
   for (const char mode : {'B', 'P', 'R', 'S'}) {
     SCOPED_TRACE(mode);
-    NITFTestPixels pixels = {.numCols = 90,
-                             .numRows = 150,
-                             .numBands = 3,
-                             .mode = mode,
-                             .blockCols = 60,
-                             .blockRows = 70};
-    openCounting(nitfTestImage(NITF_TEST_21, pixels));
-    blockReader().setCacheBytes(1000);
-    expectPixels(pixels);
-    expectRectangle(pixels, 55, 60, 10, 20);
-
-    // With absent blocks, and with pad pixels, which the reader takes out in the cache.
-    openCounting(nitfTestMaskedImage(NITF_TEST_21, pixels, {.absent = {}}));
-    blockReader().setCacheBytes(1000);
-    expectPixels(pixels);
-    pixels.sample = [](gr_uint32 band, gr_uint32 row, gr_uint32 col) {
-      return row % 3 == 0 ? 7U : 100 + band + col;
-    };
-    openCounting(nitfTestMaskedImage(NITF_TEST_21, pixels, {.padCode = "\x07"}));
-    blockReader().setCacheBytes(1000);
-    pixels.sample = [](gr_uint32 band, gr_uint32 row, gr_uint32 col) {
-      return row % 3 == 0 ? 0U : 100 + band + col;
+    pixels.mode = mode;
+    pixels.sample = NITFTestPixels::defaultSample;
+    openCounting(nitfTestMaskedImage(NITF_TEST_21, pixels, {.absent = {1}}));
+    blockReader().setCacheBytes(1);
+    pixels.sample = [mode](gr_uint32 band, gr_uint32 row, gr_uint32 col) {
+      const bool isAbsent = row < 4 && col >= 4 && (mode != 'S' || band == 0);
+      return isAbsent ? 0U : NITFTestPixels::defaultSample(band, row, col);
     };
     expectPixels(pixels);
   }
@@ -435,6 +497,15 @@ TEST_F(NITFRawReadersTest, TheRangeOf16BitSamplesFollowsFromThePrecision) {
   segment.header.set("ABPP", 16);
   ASSERT_EQ(openImage(segment), GR_STATUS_OK);
   EXPECT_EQ(m_reader->getMaxDynamicRange().getSample(0).getValueUint16(), 65535);
+  EXPECT_TRUE(m_reader->isFullDynamicRange());
+  // Samples of other types have the range of their type.
+  segment = nitfTestImage(NITF_TEST_21, {});
+  segment.header.set("ABPP", 5);
+  ASSERT_EQ(openImage(segment), GR_STATUS_OK);
+  EXPECT_TRUE(m_reader->isFullDynamicRange());
+  segment = nitfTestImage(NITF_TEST_21, {.sampleBytes = 2, .type = "SI "});
+  segment.header.set("ABPP", 11);
+  ASSERT_EQ(openImage(segment), GR_STATUS_OK);
   EXPECT_TRUE(m_reader->isFullDynamicRange());
 }
 

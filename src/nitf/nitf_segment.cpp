@@ -45,10 +45,7 @@ void NITFSegment::makePrefix() {
 
 GR_STATUS NITFSegment::initialize() {
   const bool isFileHeader = std::string_view(m_code) == "FH";
-  if (!isFileHeader) {
-    m_version = m_manager.getFileHeader().getVersion();
-    if (m_place.headerLength == 0) return NITF_STATUS_INVALID_FILE;
-  }
+  if (!isFileHeader) m_version = m_manager.getFileHeader().getVersion();
   NITFFieldReader fields;
   const gr_uint64 length =
       isFileHeader ? std::min(m_place.dataLength, FIRST_READ) : m_place.headerLength;
