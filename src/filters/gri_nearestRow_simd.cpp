@@ -1,8 +1,10 @@
 #include <algorithm>
+#include <cassert>
 #include <cmath>
 #include <cstring>
 
 #include "filters/gri_nearestRow.h"
+#include "filters/gri_resamplePosition.h"
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "filters/gri_nearestRow_simd.cpp"
@@ -187,27 +189,69 @@ void nearestRow(const gr_uint8* row, gr_uint32 width, const FixedPositions& posi
   fill<Bytes>(row + static_cast<size_t>(last) * Bytes, count - end, dest + end * Bytes);
 }
 
+/// How many positions from `p` on, `p` itself included, surely lie within the row, however their
+/// sums are rounded. A sum of so many steps is off by less than one part in 2^11.
+template <typename Float>
+size_t countInside(Float p, Float step, gr_uint32 width, size_t count) {
+  constexpr size_t MOST_STEPS = 4096;
+  constexpr double ROUNDING = 1.0 + 1.0 / 2048;
+  if (!(p >= 0) || !(step > 0)) return 0;
+  const double room = static_cast<double>(width) / ROUNDING - static_cast<double>(p);
+  if (!(room > static_cast<double>(step))) return 0;
+  const double steps = std::min(room / static_cast<double>(step), double{MOST_STEPS});
+  return std::min(static_cast<size_t>(steps), count);
+}
+
+/// As the definition, but where positions surely lie within the row they need no limits.
+template <size_t Bytes, typename Float>
+void nearestRowOfAnyStep(const gr_uint8* row, gr_uint32 width, Float p, Float step, size_t count,
+                         gr_uint8* dest) {
+  constexpr size_t LIMITED_AT_ONCE = 16;
+  for (size_t k = 0; k < count;) {
+    const size_t insideEnd = k + countInside(p, step, width, count - k);
+    for (; k < insideEnd; ++k) {
+      std::memcpy(dest + k * Bytes, row + static_cast<size_t>(static_cast<gr_int64>(p)) * Bytes,
+                  Bytes);
+      p += step;
+    }
+    const size_t limitedEnd = std::min(k + LIMITED_AT_ONCE, count);
+    for (; k < limitedEnd; ++k) {
+      const size_t index =
+          gri_heldIndex(GRIResamplePosition<Float>(p, width).index, 0, size_t{width} - 1);
+      std::memcpy(dest + k * Bytes, row + index * Bytes, Bytes);
+      p += step;
+    }
+  }
+}
+
 }  // namespace gri_nearestRow_kernels
 
 void gri_nearestRow(const void* row, gr_uint32 width, size_t sampleBytes, float x, float step,
                     size_t count, void* dest) {
   using namespace gri_nearestRow_kernels;
   constexpr int FLOAT_DIGITS = 24;
-  FixedPositions positions;
-  if (!positions.initialize(x, step, count, FLOAT_DIGITS)) {
-    return gri_nearestRowScalar(row, width, sampleBytes, x, step, count, dest);
-  }
   const gr_uint8* const from = static_cast<const gr_uint8*>(row);
   gr_uint8* const to = static_cast<gr_uint8*>(dest);
+  FixedPositions positions;
+  const bool isExact = positions.initialize(x, step, count, FLOAT_DIGITS);
+  const auto nearest = [&]<size_t BYTES, typename Float>() {
+    if (isExact) {
+      nearestRow<BYTES>(from, width, positions, count, to);
+    } else {
+      nearestRowOfAnyStep<BYTES, Float>(from, width, x, step, count, to);
+    }
+  };
   switch (sampleBytes) {
     case 1:
-      return nearestRow<1>(from, width, positions, count, to);
+      return nearest.template operator()<1, float>();
     case 2:
-      return nearestRow<2>(from, width, positions, count, to);
+      return nearest.template operator()<2, float>();
     case 4:
-      return nearestRow<4>(from, width, positions, count, to);
+      return nearest.template operator()<4, float>();
+    case 8:
+      return nearest.template operator()<8, double>();
     default:
-      return nearestRow<8>(from, width, positions, count, to);
+      assert(false && "bad sample width");
   }
 }
 #endif  // HWY_ONCE

@@ -62,6 +62,26 @@ TEST(GRINearestRowTest, EveryInstructionSetAgreesWithTheScalarForAnyStep) {
   });
 }
 
+// Rows and counts longer than what is done at once without limits.
+TEST(GRINearestRowTest, AgreesWithTheScalarOverLongRows) {
+  std::mt19937 random(7);
+  for (const size_t bytes : {size_t{1}, size_t{2}, size_t{4}, size_t{8}}) {
+    for (const gr_uint32 width : {4095u, 4097u, 20011u}) {
+      const std::vector<gr_uint8> row = randomBytes(1 + width * bytes, random);
+      for (const float step : {1.0F / 3, 0.999999F, 1.000001F, 1.2F, 2.7F}) {
+        for (const float x : {-20.5F, 0.0F, 0.1F, 4000.3F}) {
+          for (const size_t count : {size_t{4096}, size_t{4097}, size_t{20050}}) {
+            SCOPED_TRACE(testing::Message() << bytes << " bytes, step " << step << ", x " << x
+                                            << ", width " << width << ", count " << count);
+            ASSERT_EQ(run(gri_nearestRow, row, width, bytes, x, step, count),
+                      run(gri_nearestRowScalar, row, width, bytes, x, step, count));
+          }
+        }
+      }
+    }
+  }
+}
+
 // From 2^24 on not every whole number is a float: a sum of ones stands still there.
 TEST(GRINearestRowTest, PositionsAreAddedUpInSinglePrecision) {
   constexpr gr_uint32 WIDTH = (1u << 24) + 8;
