@@ -152,18 +152,18 @@ TEST(WipedSecretsTest, AreGoneWithAnImageOfGeneration2) {
 // The keys of its tiles outlive the readers that prove them.
 TEST(WipedSecretsTest, AreGoneWithAMosaic) {
   const TG3TestLock lock = {.passwords = {PASSWORD}};
+  constexpr gr_uint32 TILE = SIDE / 2;
   TG3Writer writer;
   for (gr_uint32 number = 0; number < 2; ++number) {
     TG3TestImage image;
     image.image = number;
-    image.width = SIDE / 2;
+    image.width = TILE;
     image.height = SIDE;
     image.numLevels = 1;
-    const double left = double{SIDE / 2} * number;
+    const double left = double{TILE} * number;
     writer.addMetadata(
-        3, 0, number,
-        tg3_georefBlock({.geo = {{left, double{SIDE}, left + SIDE / 2, 0.0, 1.0, 1.0}}}));
-    writer.addImage(tg3_locked(image, lock), {std::vector<gr_int32>(size_t{SIDE / 2} * SIDE, 9)});
+        3, 0, number, tg3_georefBlock({.geo = {{left, double{SIDE}, left + TILE, 0.0, 1.0, 1.0}}}));
+    writer.addImage(tg3_locked(image, lock), {std::vector<gr_int32>(size_t{TILE} * SIDE, 9)});
     writer.addPacket(tg3_lockPacket(lock, number), tg3_lockBody(lock));
   }
   expectNothingLeft(writer.bytes(), lock.contentKey(0));

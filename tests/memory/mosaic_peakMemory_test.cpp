@@ -13,8 +13,8 @@
 
 namespace {
 
-constexpr gr_uint32 TILE = 256;              // columns and rows
-constexpr long WINDOW_LIMIT_KIB = 2 * 1024;  // on four tiles, above the open image
+constexpr gr_uint32 TILE = 256;               // columns and rows
+constexpr long WINDOW_LIMIT_KIB = 2L * 1024;  // on four tiles, above the open image
 
 /// Tiles side by side in a square, of planes that mean nothing.
 long writeMosaic(const std::string& path, gr_uint32 across) {
@@ -35,8 +35,9 @@ long writeMosaic(const std::string& path, gr_uint32 across) {
   TG3Writer writer;
   for (gr_uint32 i = 0; i < across * across; ++i) {
     image.image = i;
-    const double x = i % across * TILE;
-    const double y = -1.0 * (i / across * TILE);
+    const gr_uint32 tileRow = i / across;
+    const double x = double{TILE} * (i % across);
+    const double y = -double{TILE} * tileRow;
     TG3TestGeoref georef;
     georef.geo = {x, y, x + TILE, y - TILE, 1.0, 1.0};
     writer.addMetadata(3, 0, i, tg3_georefBlock(georef));
@@ -55,9 +56,10 @@ long memoryOfWindow(const std::string& path) {
   gric_image image = nullptr;
   const GR_STATUS opened = gric_openTesraImageFile(&image, path.c_str());
   if (opened != 0) return -static_cast<long>(opened);
-  std::vector<gr_uint8> samples(64 * 64, 1);
+  std::vector<gr_uint8> samples(size_t{64} * 64, 1);
   void* bands[] = {samples.data()};
-  const double middle = gric_getWidth(image) / TILE / 2 * TILE - 32.0;
+  const gr_uint32 corner = gric_getWidth(image) / TILE / 2 * TILE;
+  const double middle = corner - 32.0;
   const long before = process_peakKib();
   const GR_STATUS decoded = gric_decode(image, middle, middle, 64, 64, 1.0, bands);
   const long after = process_peakKib();

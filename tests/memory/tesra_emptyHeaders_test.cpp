@@ -13,7 +13,7 @@
 namespace {
 
 constexpr gr_uint32 NUM_HEADERS = 1000000;
-constexpr long LIMIT_KIB = 128 * 1024;
+constexpr long LIMIT_KIB = 128L * 1024;
 
 long writeHeaders(const std::string& path) {
   TG3Writer writer;

@@ -15,8 +15,8 @@
 
 namespace {
 
-constexpr gr_uint32 SIZE = 30000;      // columns and rows
-constexpr long LIMIT_KIB = 64 * 1024;  // above the caller's buffer
+constexpr gr_uint32 SIZE = 30000;       // columns and rows
+constexpr long LIMIT_KIB = 64L * 1024;  // above the caller's buffer
 
 TG3TestImage pictureOfSubblocks() {
   TG3TestImage image;

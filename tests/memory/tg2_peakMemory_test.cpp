@@ -16,8 +16,8 @@
 
 namespace {
 
-constexpr gr_uint32 SIZE = 30000;      // columns and rows
-constexpr long LIMIT_KIB = 96 * 1024;  // above the caller's buffers
+constexpr gr_uint32 SIZE = 30000;       // columns and rows
+constexpr long LIMIT_KIB = 96L * 1024;  // above the caller's buffers
 constexpr gr_uint32 NUM_BANDS = 3;
 constexpr gr_uint32 NUM_LEVELS = 8;
 
@@ -139,8 +139,8 @@ long memoryOfDecode(const std::string& path, gr_uint32 numCols) {
   const GR_STATUS opened = gric_openTesraImageFile(&image, path.c_str());
   if (opened != 0) return -static_cast<long>(opened);
   for (const gr_uint32 row : {0U, SIZE / 2, SIZE - ROWS}) {
-    const GR_STATUS decoded =
-        gric_decode(image, (SIZE - numCols) / 2, row, numCols, ROWS, 1.0, bands);
+    const gr_uint32 column = (SIZE - numCols) / 2;
+    const GR_STATUS decoded = gric_decode(image, column, row, numCols, ROWS, 1.0, bands);
     if (decoded != 0) return -static_cast<long>(decoded);
   }
   gric_closeImage(image);

@@ -17,8 +17,8 @@ class TG2LiteralTable {
   TG2LiteralTable(std::span<const gr_uint8, 16> bits, std::span<const gr_uint8> huffval);
 
   /// Children of each node: a node below 256, 256 + symbol for a leaf, 666 for an unused branch.
-  std::array<gr_uint16, 256> zero;
-  std::array<gr_uint16, 256> one;
+  std::array<gr_uint16, 256> zero{};
+  std::array<gr_uint16, 256> one{};
 };
 
 /// As tg2_huffmanDecode, of what the format says.

@@ -143,7 +143,7 @@ class Builder {
     if (blocks.empty() && !hasEmptyTable) return;
 
     layout().tables.back() = bytes().size();
-    put32(bytes(), layout().subbandOffsets + 4 * subband, bytes().size());
+    put32(bytes(), layout().subbandOffsets + size_t{4} * subband, bytes().size());
     put(bytes(), 0xFFAC, 2);
     const std::array<gr_uint8, 2> origin =
         m_image.noiseOriginOf ? m_image.noiseOriginOf(subband) : m_image.noiseOrigin;
@@ -158,7 +158,7 @@ class Builder {
     for (gr_uint32 block = 0; block < blocks.size(); ++block) {
       for (gr_uint32 band = 0; band < m_image.numBands; ++band) {
         if (m_image.isBandAbsent && m_image.isBandAbsent(subband, block, band)) continue;
-        put32(bytes(), entries + block * entrySize + 4 * band, bytes().size());
+        put32(bytes(), entries + block * entrySize + size_t{4} * band, bytes().size());
         writeBand(subband, block, band, blocks[block]);
       }
     }

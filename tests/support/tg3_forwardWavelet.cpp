@@ -68,10 +68,13 @@ TG3TestBands tg3_forwardWavelet(const TG3TestGeometry& geometry, gr_uint32 width
     std::vector<gr_int32>& corrections = bands[4 * level - 3];
     corrections.assign(samples.size(), 0);
     if (!correction) continue;
-    for (size_t i = 0; i < samples.size(); ++i) {
-      corrections[i] = correction(static_cast<gr_uint32>(level), static_cast<gr_uint32>(i % w),
-                                  static_cast<gr_uint32>(i / w));
-      samples[i] -= corrections[i];
+    for (size_t y = 0; y < h; ++y) {
+      for (size_t x = 0; x < w; ++x) {
+        const size_t i = y * w + x;
+        corrections[i] = correction(static_cast<gr_uint32>(level), static_cast<gr_uint32>(x),
+                                    static_cast<gr_uint32>(y));
+        samples[i] -= corrections[i];
+      }
     }
   }
   bands[0] = std::move(samples);

@@ -66,7 +66,8 @@ const std::string& TG3TestLock::password(gr_uint32 key) const {
 std::vector<gr_uint8> TG3TestLock::contentKey(gr_uint32 key) const {
   if (isLegacy) return bytesOf(password(key));
   std::vector<gr_uint8> bytes(contentKeyLength);
-  for (size_t i = 0; i < bytes.size(); ++i) bytes[i] = static_cast<gr_uint8>(i * 41 + key * 7 + 3);
+  for (size_t i = 0; i < bytes.size(); ++i)
+    bytes[i] = static_cast<gr_uint8>(i * 41 + size_t{7} * key + 3);
   return bytes;
 }
 

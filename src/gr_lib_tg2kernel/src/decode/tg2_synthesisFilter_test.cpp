@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <bit>
 #include <limits>
 #include <random>
@@ -14,8 +15,9 @@
 namespace {
 
 std::vector<gr_uint32> bitsOf(const std::vector<float>& values) {
-  std::vector<gr_uint32> bits;
-  for (const float value : values) bits.push_back(std::bit_cast<gr_uint32>(value));
+  std::vector<gr_uint32> bits(values.size());
+  std::transform(values.begin(), values.end(), bits.begin(),
+                 [](float value) { return std::bit_cast<gr_uint32>(value); });
   return bits;
 }
 
@@ -207,8 +209,11 @@ TEST(TG2SynthesisFilterTest, ChannelsWithoutSamplesAreZeros) {
     ASSERT_EQ(filter.begin({0, 0, width - 1, height - 1}, width, height,
                            {channels[0], channels[1], channels[2], channels[3]}),
               GR_STATUS_OK);
-    std::vector<float> rows(width * height);
-    for (gr_int32 y = 0; y < height; ++y) filter.nextRow(rows.data() + y * width);
+    const size_t stride = static_cast<size_t>(width);
+    std::vector<float> rows(stride * static_cast<size_t>(height));
+    for (float* row = rows.data(); row != rows.data() + rows.size(); row += stride) {
+      filter.nextRow(row);
+    }
     EXPECT_EQ(bitsOf(rows), bitsOf(whole.samples));
   }
 }
