@@ -55,8 +55,9 @@ void writeMosaic(const std::string& path, gr_uint32 across, gr_uint32 size) {
              static_cast<std::streamsize>(preamble.bytes().size()));
   for (gr_uint32 i = 0; i < across * across; ++i) {
     image.image = i;
-    const double x = i % across * size;
-    const double y = -1.0 * (i / across * size);
+    const gr_uint32 tileRow = i / across;
+    const double x = static_cast<double>(size) * (i % across);
+    const double y = -static_cast<double>(size) * tileRow;
     TG3TestGeoref georef;
     georef.geo = {x, y, x + size, y - size, 1.0, 1.0};
     TG3Writer writer;
@@ -95,8 +96,9 @@ int main(int argc, char** argv) {
   if (status != 0) fail("open", status);
   std::printf("open: %.0f ms, %ld KiB\n", 1e3 * (cpuSeconds() - start), peakKib() - before);
 
-  const double middle = across / 2 * size - 10.0;
-  std::vector<gr_uint8> samples(20 * 20);
+  const gr_uint32 corner = across / 2 * size;
+  const double middle = corner - 10.0;
+  std::vector<gr_uint8> samples(size_t{20} * 20);
   void* bands[] = {samples.data()};
   start = cpuSeconds();
   status = gric_decode(image, middle, middle, 20, 20, 1.0, bands);

@@ -41,7 +41,8 @@ TEST(TesraDecodeTest, DecodesAnyOneRow) {
     SCOPED_TRACE(row);
     TesraBytes samples;
     ASSERT_EQ(handle.decode(0, row, 17, 1, 1.0, samples), 0u);
-    EXPECT_TRUE(std::equal(samples.begin(), samples.end(), whole.begin() + row * 17));
+    EXPECT_TRUE(
+        std::equal(samples.begin(), samples.end(), whole.begin() + std::ptrdiff_t{17} * row));
   }
 }
 
@@ -171,7 +172,7 @@ TEST(TesraDecodeTest, TakesAnImageWithoutAnyPlaneForZeros) {
   TesraHandle handle(writer.bytes());
   TesraBytes samples;
   ASSERT_EQ(handle.decode(0, 0, 40, 30, 1.0, samples), 0u);
-  EXPECT_EQ(samples, TesraBytes(40 * 30, 5));  // limited to the range of the header
+  EXPECT_EQ(samples, TesraBytes(size_t{40} * 30, 5));  // limited to the range of the header
 }
 
 }  // namespace

@@ -54,7 +54,7 @@ Decoded decodeAll(const TesraHandle& handle, double magnification = 1.0) {
 /// What the same image gives that nobody locked.
 Decoded expected(double magnification = 1.0, const TG3TestImage& image = testImage()) {
   const TesraHandle handle(tesra_fileOf(image));
-  const Decoded decoded = decodeAll(handle, magnification);
+  Decoded decoded = decodeAll(handle, magnification);
   EXPECT_EQ(decoded.status, 0u);
   return decoded;
 }

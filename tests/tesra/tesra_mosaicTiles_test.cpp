@@ -21,8 +21,9 @@ TesraBytes fileOfTiles(gr_uint32 across) {
   for (gr_uint32 number = 0; number < across * across; ++number) {
     TG3TestImage image = tesra_grayImage(SIDE, SIDE, 2);
     image.image = number;
-    const double left = number % across * SIDE;
-    const double top = -1.0 * (number / across * SIDE);
+    const gr_uint32 tileRow = number / across;
+    const double left = double{SIDE} * (number % across);
+    const double top = -double{SIDE} * tileRow;
     TG3TestGeoref georef;
     georef.geo = {left, top, left + SIDE, top - SIDE, 1.0, 1.0};
     writer.addMetadata(3, 0, number, tg3_georefBlock(georef));
@@ -103,7 +104,7 @@ TEST(TesraMosaicTilesTest, TilesStayOpenWhereMemoryMayBeLarge) {
   const GRUtilSmartPointer<TesraImageReader> reader(gr_makeUnique<TesraImageReader>().release());
   ASSERT_EQ(reader->initialize(*stream, nullptr, TESRA_MEMORY_LARGE, TESRA_STREAM_KEEP_OPEN), 0u);
   TileCounter counter(*reader);
-  TesraPicture::Bytes samples(size_t{2 * SIDE} * SIDE);
+  TesraPicture::Bytes samples(size_t{2} * SIDE * SIDE);
   void* band = samples.data();
   for (int scene = 0; scene < 2; ++scene) {
     GRISceneBuffer buffer(reader->getPixelProps(), 2 * SIDE, SIDE, &band);

@@ -80,9 +80,11 @@ void* duplicateFile(void* user) {
 }
 
 class TesraStreamTest : public testing::Test {
+ public:
+  ~TesraStreamTest() override { EXPECT_EQ(gr_ioCStreamDestroy(m_stream), 0); }
+
  protected:
   TesraStreamTest() { m_file.bytes = &m_bytes; }
-  ~TesraStreamTest() override { EXPECT_EQ(gr_ioCStreamDestroy(m_stream), 0); }
 
   GR_STATUS decode(gric_image image, gr_uint32 row, gr_uint32 numRows) {
     m_samples.assign(size_t{m_image.width} * numRows, 0);

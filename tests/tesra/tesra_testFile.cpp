@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <fstream>
 #include <random>
@@ -47,8 +48,9 @@ GR_STATUS TesraHandle::decodeStatus(double x, double y, double width, double hei
   // Room for samples of any type.
   const size_t bytes = 8 * static_cast<size_t>(width) * static_cast<size_t>(height) + 1;
   std::vector<TesraBytes> planes(gric_getNumBands(m_image), TesraBytes(bytes));
-  std::vector<void*> bands;
-  for (TesraBytes& plane : planes) bands.push_back(plane.data());
+  std::vector<void*> bands(planes.size());
+  std::transform(planes.begin(), planes.end(), bands.begin(),
+                 [](TesraBytes& plane) { return plane.data(); });
   return gric_decode(m_image, x, y, width, height, magnification, bands.data());
 }
 

@@ -56,7 +56,7 @@ TesraBytes sideBySide(const TesraBytes& left, const TesraBytes& right, gr_uint32
   TesraBytes picture;
   for (gr_uint32 row = 0; row < size; ++row) {
     for (const TesraBytes* half : {&left, &right}) {
-      const auto begin = half->begin() + static_cast<std::ptrdiff_t>(row * size);
+      const auto begin = half->begin() + std::ptrdiff_t{row} * size;
       picture.insert(picture.end(), begin, begin + size);
     }
   }

@@ -199,7 +199,7 @@ TEST(TG2DecodeTest, EnlargesAConstantToAConstant) {
   image.height = 13;
   image.numLevels = 1;
   image.binWidth = 0.1F;
-  TesraPicture picture(tg2_writeImage(image, {std::vector<float>(21 * 13, 77.0F)}).bytes);
+  TesraPicture picture(tg2_writeImage(image, {std::vector<float>(size_t{21} * 13, 77.0F)}).bytes);
   for (const gr_uint32 factor : {2u, 4u, 8u}) {
     Bytes bytes;
     ASSERT_EQ(picture.decode(factor, 0, 0, 21 * factor, 13 * factor, bytes), GR_STATUS_OK);
@@ -340,17 +340,16 @@ TEST(TG2DecodeTest, LeavesTheBufferOfFourBandsOfFloatsAsItWas) {
   image.height = 70;
   image.numBands = 4;
   image.dataType = FLOATS;
-  const TG2TestBins bins = tg2_quantize(image, Samples(4, std::vector<float>(9 * 70, 5.0F)));
+  const size_t numSamples = size_t{image.width} * image.height;
+  const TG2TestBins bins = tg2_quantize(image, Samples(4, std::vector<float>(numSamples, 5.0F)));
   TesraPicture picture(tg2_writeBins(image, bins).bytes);
   ASSERT_EQ(picture.status(), GR_STATUS_OK);
-  std::vector<std::vector<float>> planes(4, std::vector<float>(9 * 70, -3.0F));
-  std::vector<void*> bands;
-  for (std::vector<float>& plane : planes) bands.push_back(plane.data());
-  GRISceneBuffer buffer(picture.reader().getPixelProps(), 9, 70, bands.data());
+  const std::vector<float> before(numSamples, -3.0F);
+  std::vector<std::vector<float>> planes(4, before);
+  void* bands[] = {planes[0].data(), planes[1].data(), planes[2].data(), planes[3].data()};
+  GRISceneBuffer buffer(picture.reader().getPixelProps(), 9, 70, bands);
   ASSERT_EQ(picture.reader().read(GRIScene(0, 0, 9, 70, 1), buffer), GR_STATUS_OK);
-  for (const std::vector<float>& plane : planes) {
-    EXPECT_EQ(plane, std::vector<float>(9 * 70, -3.0F));
-  }
+  for (const std::vector<float>& plane : planes) EXPECT_EQ(plane, before);
 }
 
 }  // namespace

@@ -339,12 +339,12 @@ TEST(TG2OpenTest, AddsDitherUnlessARecordIsThereWhateverItSays) {
   const auto decode = [&](bool hasRecord, gr_uint8 value) {
     image.records.clear();
     if (hasRecord) image.records.push_back(tg2_byteRecord("IMAGE::NO_DITHER", {value}));
-    TesraPicture picture(tg2_writeBins(image, {{std::vector<gr_int32>(64 * 64, 5)}}).bytes);
+    TesraPicture picture(tg2_writeBins(image, {{std::vector<gr_int32>(size_t{64} * 64, 5)}}).bytes);
     Bytes bytes;
     EXPECT_EQ(picture.decode(1, 0, 0, 64, 64, bytes), GR_STATUS_OK);
     return bytes;
   };
-  const Bytes plain(64 * 64, 81);  // (5 - 0.44) bins and a half: 80.96
+  const Bytes plain(size_t{64} * 64, 81);  // (5 - 0.44) bins and a half: 80.96
   EXPECT_EQ(decode(true, 1), plain);
   EXPECT_EQ(decode(true, 0), plain);
   const Bytes dithered = decode(false, 0);

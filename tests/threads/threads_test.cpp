@@ -61,6 +61,7 @@ TEST(ThreadsTest, ImagesOfOneFileAreDecodedSideBySide) {
     const std::vector<Planes> expected = decodeAlone(sample.open, sample.path);
     std::array<int, 4> failures = {};
     std::vector<std::thread> threads;
+    threads.reserve(failures.size());
     for (int& count : failures) {
       threads.emplace_back(
           [&] { count = decodeAgainAndAgain(sample.open, sample.path, expected); });
