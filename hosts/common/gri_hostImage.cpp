@@ -116,6 +116,9 @@ void GRIHostImage::readInfo() {
     for (size_t band = 0; band < m_info.bands.size(); ++band) {
       m_info.noData.push_back(record.number(band));
     }
+    // A value that no sample has marks none; and the record may be of any type.
+    const auto isSample = [&](double value) { return gri_hostIsSample(m_info.dataType, value); };
+    if (!std::all_of(m_info.noData.begin(), m_info.noData.end(), isSample)) m_info.noData.clear();
   }
 }
 

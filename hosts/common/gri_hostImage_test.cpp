@@ -157,6 +157,15 @@ TEST(GRIHostImageTest, RecordsThatDontFitThePictureAreLeftAlone) {
   EXPECT_EQ(info.bits, 8u);          // more bits than a sample has
 }
 
+TEST(GRIHostImageTest, ANoDataValueThatNoSampleHasIsNone) {
+  const auto noData = [](double value) {
+    return infoOf({.noData = {1, value, 3}, .noDataType = GRIC_DATATYPE_FLOAT64}).noData;
+  };
+  EXPECT_EQ(noData(2), (std::vector<double>{1, 2, 3}));
+  EXPECT_TRUE(noData(1e300).empty());
+  EXPECT_TRUE(noData(-9999).empty());
+}
+
 TEST(GRIHostImageTest, DecodesAWindowOfAMagnification) {
   OpenPicture open({.bands = 2, .colorSpace = GRIC_COLORSPACE_MULTISPECTRAL});
   std::vector<gr_uint8> first(6);

@@ -1,6 +1,8 @@
 #include "hosts/common/gri_hostSample.h"
 
 #include <array>
+#include <cmath>
+#include <limits>
 
 namespace {
 
@@ -76,6 +78,36 @@ std::vector<GRIHostColor> colorsOf(gr_int32 colorSpaceWithoutAlpha) {
 size_t gri_hostSampleBytes(gr_int32 dataType) { return sampleType(dataType).bytes; }
 const char* gri_hostSampleName(gr_int32 dataType) { return sampleType(dataType).name; }
 const char* gri_hostSampleWords(gr_int32 dataType) { return sampleType(dataType).words; }
+
+bool gri_hostIsSample(gr_int32 dataType, double value) {
+  const auto isWholeBetween = [&](double least, double end) {
+    return value >= least && value < end && value == std::floor(value);
+  };
+  switch (dataType) {
+    case GRIC_DATATYPE_UINT8:
+      return isWholeBetween(0, 0x1p8);
+    case GRIC_DATATYPE_SINT8:
+      return isWholeBetween(-0x1p7, 0x1p7);
+    case GRIC_DATATYPE_UINT16:
+      return isWholeBetween(0, 0x1p16);
+    case GRIC_DATATYPE_SINT16:
+      return isWholeBetween(-0x1p15, 0x1p15);
+    case GRIC_DATATYPE_UINT32:
+      return isWholeBetween(0, 0x1p32);
+    case GRIC_DATATYPE_SINT32:
+      return isWholeBetween(-0x1p31, 0x1p31);
+    case GRIC_DATATYPE_UINT64:
+      return isWholeBetween(0, 0x1p64);
+    case GRIC_DATATYPE_SINT64:
+      return isWholeBetween(-0x1p63, 0x1p63);
+    case GRIC_DATATYPE_FLOAT32:
+      return !std::isfinite(value) || std::abs(value) <= std::numeric_limits<float>::max();
+    case GRIC_DATATYPE_FLOAT64:
+      return true;
+    default:
+      return false;
+  }
+}
 
 bool gri_hostHasAlpha(gr_int32 colorSpace) { return (colorSpace & ALPHA_FLAGS) != 0; }
 

@@ -31,6 +31,10 @@ const char* gri_hostSampleName(gr_int32 dataType);
 /// "8-bit unsigned", "16-bit signed", "32-bit float" ...
 const char* gri_hostSampleWords(gr_int32 dataType);
 
+/// Whether a sample of that type can have that value: it is in the type's range, and whole where
+/// the type is. 64-bit types count as far as doubles tell.
+bool gri_hostIsSample(gr_int32 dataType, double value);
+
 /// "gray", "RGB", "CMYK", "multispectral" ..., with " with alpha" where there is an alpha band.
 std::string gri_hostColorSpaceName(gr_int32 colorSpace);
 bool gri_hostHasAlpha(gr_int32 colorSpace);

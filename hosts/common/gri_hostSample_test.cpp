@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
+
 using enum GRIHostColor;
 
 TEST(GRIHostSampleTest, EveryDataTypeHasItsSizeAndName) {
@@ -41,4 +43,23 @@ TEST(GRIHostSampleTest, EveryColourHasAName) {
   EXPECT_STREQ(gri_hostColorName(OTHER), "other");
   EXPECT_STREQ(gri_hostColorName(CHROMA_RED), "chroma red");
   EXPECT_STREQ(gri_hostColorName(ALPHA), "alpha");
+}
+
+TEST(GRIHostSampleTest, AValueIsASampleWhereTheTypeHoldsIt) {
+  EXPECT_TRUE(gri_hostIsSample(GRIC_DATATYPE_UINT8, 255));
+  EXPECT_FALSE(gri_hostIsSample(GRIC_DATATYPE_UINT8, 256));
+  EXPECT_FALSE(gri_hostIsSample(GRIC_DATATYPE_UINT8, -1));
+  EXPECT_FALSE(gri_hostIsSample(GRIC_DATATYPE_UINT8, 0.5));
+  EXPECT_TRUE(gri_hostIsSample(GRIC_DATATYPE_SINT16, -32768));
+  EXPECT_FALSE(gri_hostIsSample(GRIC_DATATYPE_SINT16, 32768));
+  EXPECT_FALSE(gri_hostIsSample(GRIC_DATATYPE_UINT64, 0x1p64));
+  EXPECT_TRUE(gri_hostIsSample(GRIC_DATATYPE_SINT64, -0x1p63));
+  EXPECT_FALSE(gri_hostIsSample(GRIC_DATATYPE_FLOAT32, 1e300));
+  EXPECT_TRUE(gri_hostIsSample(GRIC_DATATYPE_FLOAT64, 1e300));
+  for (const gr_int32 type : {GRIC_DATATYPE_UINT8, GRIC_DATATYPE_SINT32, GRIC_DATATYPE_UINT64}) {
+    EXPECT_FALSE(gri_hostIsSample(type, std::numeric_limits<double>::quiet_NaN()));
+    EXPECT_FALSE(gri_hostIsSample(type, std::numeric_limits<double>::infinity()));
+  }
+  EXPECT_TRUE(gri_hostIsSample(GRIC_DATATYPE_FLOAT32, std::numeric_limits<double>::quiet_NaN()));
+  EXPECT_FALSE(gri_hostIsSample(GRIC_DATATYPE_INVALID, 0));
 }

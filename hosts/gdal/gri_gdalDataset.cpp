@@ -147,17 +147,18 @@ void GRIGdalDataset::addOverviews(const GRIGdalView& view, GDALDataType type) {
 CPLErr GRIGdalDataset::GetGeoTransform(double* transform) {
   if (!info().position) return CE_Failure;
   const GRIHostPosition& position = *info().position;
-  // GDAL counts from the outer corner of the first pixel.
+  // At each magnification pixel 0 has its centre where the full size has it: wavelets keep every
+  // other sample in its place.
   double x = 0;
   double y = 0;
-  position.toGround(m_window.column / m_magnification - 0.5, m_window.row / m_magnification - 0.5,
-                    x, y);
-  transform[0] = x;
+  position.toGround(m_window.column / m_magnification, m_window.row / m_magnification, x, y);
   transform[1] = position.xResolution / m_magnification;
   transform[2] = position.xRotation / m_magnification;
-  transform[3] = y;
   transform[4] = position.yRotation / m_magnification;
   transform[5] = position.yResolution / m_magnification;
+  // GDAL counts from the outer corner of the first pixel.
+  transform[0] = x - (transform[1] + transform[2]) / 2;
+  transform[3] = y - (transform[4] + transform[5]) / 2;
   return CE_None;
 }
 

@@ -150,9 +150,9 @@ TEST(GRIGdalDatasetTest, TheGeoTransformCountsFromTheOuterCornerOfTheWindow) {
   EXPECT_EQ(transform, (std::array<double, 6>{98.75, 2, 0.5, 201.875, 0.25, -4}));
   const Opened part({.position = position}, {.magnification = 0.5, .window = {10, 5, 20, 8}});
   ASSERT_EQ(part->GetGeoTransform(transform.data()), CE_None);
-  // 20 columns and 10 rows of the full size further on; pixels twice as large.
-  EXPECT_EQ(transform, (std::array<double, 6>{98.75 + 20 * 2 + 10 * 0.5, 4, 1,
-                                              201.875 + 20 * 0.25 - 10 * 4, 0.5, -8}));
+  // The centre is 20 columns and 10 rows of the full size further on; pixels are twice as large.
+  EXPECT_EQ(transform, (std::array<double, 6>{100 + 20 * 2 + 10 * 0.5 - (4 + 1) / 2.0, 4, 1,
+                                              200 + 20 * 0.25 - 10 * 4 - (0.5 - 8) / 2, 0.5, -8}));
 }
 
 TEST(GRIGdalDatasetTest, APictureWithoutAPositionHasNoGeoTransform) {

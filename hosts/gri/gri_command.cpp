@@ -4,12 +4,15 @@
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
+#include <cerrno>
 #include <charconv>
+#include <cstring>
 #include <ostream>
 
 #include "hosts/common/gri_hostError.h"
 #include "hosts/gri/gri_arguments.h"
 #include "hosts/gri/gri_convertCommand.h"
+#include "hosts/gri/gri_errorText.h"
 #include "hosts/gri/gri_exitCodes.h"
 #include "hosts/gri/gri_infoCommand.h"
 #include "hosts/gri/gri_passwords.h"
@@ -109,8 +112,19 @@ int runStatus(const std::string& number, std::ostream& out, std::ostream& err) {
   constexpr std::string_view UNKNOWN = "unknown status";
   std::string text = gri_hostCall([&] { return getRawStatusString(status); }, UNKNOWN.data());
   if (text == UNKNOWN) text = gri_hostErrorOf(status).text;  // our own words, where we have some
-  out << status << ": " << text << std::endl;
+  out << status << ": " << text << '\n';
   return text == UNKNOWN ? GRI_EXIT_FAILED : GRI_EXIT_DONE;
+}
+
+/// The exit code of a command that has said all on `out`: a failure when not all of it arrived.
+int flushed(int exitCode, std::ostream& out, std::ostream& err) {
+  if (out.good()) {
+    errno = 0;
+    out.flush();
+  }
+  if (out.good()) return exitCode;
+  gri_printError(err, "-", {GRI_HOST_STATUS_WRITE, std::strerror(errno == 0 ? EIO : errno)});
+  return GRI_EXIT_FAILED;
 }
 
 std::string versionWords() {
@@ -155,7 +169,7 @@ int gri_run(int argc, const char* const* argv, std::ostream& out, std::ostream& 
   try {
     app.parse(argc, arguments.data());
   } catch (const CLI::ParseError& e) {
-    if (e.get_exit_code() == 0) return app.exit(e, out, err);
+    if (e.get_exit_code() == 0) return flushed(app.exit(e, out, err), out, err);
     const std::string first = argc > 1 ? argv[1] : "-";
     const bool isUnknown = !first.starts_with('-') && first != info->get_name() &&
                            first != convert->get_name() && first != status->get_name();
@@ -163,8 +177,11 @@ int gri_run(int argc, const char* const* argv, std::ostream& out, std::ostream& 
     err << "gri: " << gri_withoutPasswords(text, argc, argv) << "\nTry `gri --help`.\n";
     return GRI_EXIT_USAGE;
   }
-  if (*info) return gri_runInfo(files, isJson, gri_terminalAt(STDOUT_FILENO), out, err);
-  if (*status) return runStatus(number, out, err);
+  if (*info) {
+    const int exitCode = gri_runInfo(files, isJson, gri_terminalAt(STDOUT_FILENO), out, err);
+    return flushed(exitCode, out, err);
+  }
+  if (*status) return flushed(runStatus(number, out, err), out, err);
   options.bands = bands.value_or(std::vector<int>());
   const bool isShown = !options.quiet && isatty(STDERR_FILENO) != 0;
   return gri_runConvert(options, isShown ? &err : nullptr, err);

@@ -278,6 +278,47 @@ TEST_F(GRICommandTest, WhatAFormatCantHoldIsRefusedWithAHint) {
   convert(five, "b.png", {"-b", "5,1,2"});
 }
 
+TEST_F(GRICommandTest, AFormatThatWritesNoFileIsAFailure) {
+  const Result result = convertFails({}, "a", {"-f", "MEM"});
+  EXPECT_EQ(result.exitCode, GRI_EXIT_FAILED);
+  EXPECT_EQ(result.err, "gri: " + path("a") + ": this format writes no file [50005]\n");
+}
+
+TEST_F(GRICommandTest, AnErrorDoesntTellOfTheHiddenDirectory) {
+  const Result result = convertFails({}, "a.asc");
+  EXPECT_EQ(result.exitCode, GRI_EXIT_FAILED);
+  EXPECT_NE(result.err.find(": a.asc: "), std::string::npos) << result.err;
+  EXPECT_EQ(result.err.find(".gri-"), std::string::npos) << result.err;
+}
+
+TEST_F(GRICommandTest, WhatAFormatLosesIsAWarning) {
+  FakePicture{}.writeTo(path("IN"));
+  const Result result = run({"convert", "-f", "GSAG", path("IN"), path("a.grd")});
+  EXPECT_EQ(result.exitCode, GRI_EXIT_DONE);
+  EXPECT_TRUE(result.err.starts_with("gri: " + path("a.grd") + ": warning: ")) << result.err;
+}
+
+TEST_F(GRICommandTest, OptionsThatTheFormatHasntAreWrongUse) {
+  for (const char* option : {"COMPRES=DEFLATE", "COMPRESS=NONSENSE", "COMPRESS", "=DEFLATE"}) {
+    EXPECT_EQ(convertFails({}, "a.tif", {"--co", option}).exitCode, GRI_EXIT_USAGE) << option;
+  }
+  for (const char* option : {"INTERLEAVE=LINE", "COMPRESS=DEFLATE", "INTERLEAVE"}) {
+    EXPECT_EQ(convertFails({}, "a.raw", {"--co", option}).exitCode, GRI_EXIT_USAGE) << option;
+  }
+  EXPECT_NE(convertFails({}, "a.tif", {"--co", "COMPRES=DEFLATE"}).err.find(" COMPRES"),
+            std::string::npos);
+}
+
+TEST_F(GRICommandTest, AReducedPictureKeepsTheCentreOfItsFirstPixel) {
+  convert({.position = {10, 20, 1, -2, 0, 0}}, "a.tif", {"--mag", "1/4", "--world-file"});
+  std::ifstream file(path("a.tfw"));
+  std::vector<double> numbers{std::istream_iterator<double>(file), {}};
+  EXPECT_EQ(numbers, (std::vector<double>{4, 0, 0, -8, 10, 20}));
+  std::array<double, 6> transform{};
+  ASSERT_EQ(opened("a.tif")->GetGeoTransform(transform.data()), CE_None);
+  EXPECT_EQ(transform, (std::array<double, 6>{8, 4, 0, 24, 0, -8}));
+}
+
 TEST_F(GRICommandTest, WrongUseIsToldFromFailure) {
   const auto exitCodeOf = [&](const std::vector<std::string>& options,
                               const char* output = "a.png") {
@@ -404,6 +445,8 @@ TEST_F(GRICommandTest, StatusSaysWhatANumberMeans) {
   EXPECT_EQ(run({"status", "50015"}).out, "50015: scene magnification out of range\n");
   EXPECT_EQ(run({"status", "8"}).out, "8: not enough memory\n");
   EXPECT_EQ(run({"status", "4711"}).exitCode, GRI_EXIT_FAILED);
+  EXPECT_EQ(run({"status", "4294967295"}).out, "4294967295: unknown status\n");
+  EXPECT_EQ(run({"status", "4294967295"}).exitCode, GRI_EXIT_FAILED);
   EXPECT_EQ(run({"status", "many"}).exitCode, GRI_EXIT_USAGE);
   EXPECT_EQ(run({"status", "-1"}).exitCode, GRI_EXIT_USAGE);
 }

@@ -4,10 +4,14 @@
 #include <gdal_utils.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <memory>
 #include <ostream>
+#include <string>
+#include <vector>
 
+#include "hosts/common/gri_hostMetadata.h"
 #include "hosts/gri/gri_errorText.h"
 #include "hosts/gri/gri_exitCodes.h"
 #include "hosts/gri/gri_inputFile.h"
@@ -39,15 +43,24 @@ class GdalSession {
 
   /// The first failure since the last `forget`; empty when there was none.
   const std::string& failure() const { return m_failure; }
-  void forget() { m_failure.clear(); }
+  /// What it warned of since then, each once.
+  const std::vector<std::string>& warnings() const { return m_warnings; }
+  void forget() {
+    m_failure.clear();
+    m_warnings.clear();
+  }
 
  private:
   static void CPL_STDCALL onError(CPLErr kind, CPLErrorNum, const char* text) {
     auto* session = static_cast<GdalSession*>(CPLGetErrorHandlerUserData());
     if (kind >= CE_Failure && session->m_failure.empty()) session->m_failure = text;
+    std::vector<std::string>& warnings = session->m_warnings;
+    const bool isNew = std::find(warnings.begin(), warnings.end(), text) == warnings.end();
+    if (kind == CE_Warning && isNew) warnings.emplace_back(text);
   }
 
   std::string m_failure;
+  std::vector<std::string> m_warnings;
 };
 
 int CPL_STDCALL onProgress(double fraction, const char*, void* data) {
@@ -91,6 +104,7 @@ class Conversion {
   GRIOutputFile m_output;
   GRIOutputFormat m_format;
   GRIConvertPlan m_plan;
+  std::vector<std::string> m_warnings;  // of the writer
   std::unique_ptr<GRIGdalDataset> m_picture;
   Dataset m_resampled;
 };
@@ -107,7 +121,8 @@ int Conversion::failed(const std::string& file, const GRIHostError& error) {
 }
 
 int Conversion::run() {
-  if (m_options.output != "-" && gri_isSameFile(m_options.input, m_options.output)) {
+  const std::string input = m_options.input == "-" ? "/proc/self/fd/0" : m_options.input;
+  if (m_options.output != "-" && gri_isSameFile(input, m_options.output)) {
     return wrongUse(m_options.output, "input and output are the same file");
   }
   if (m_options.output == "-" && m_options.wantsWorldFile) {
@@ -117,6 +132,10 @@ int Conversion::run() {
     return wrongUse(m_options.output, "a picture is nothing for a terminal; redirect it");
   }
   if (const std::string wrong = gri_findFormat(m_options.format, m_options.output, m_format);
+      !wrong.empty()) {
+    return wrongUse(m_options.output, wrong);
+  }
+  if (const std::string wrong = gri_checkCreationOptions(m_format, m_options.creationOptions);
       !wrong.empty()) {
     return wrongUse(m_options.output, wrong);
   }
@@ -246,10 +265,14 @@ GRIHostError Conversion::writeFormat() {
   Dataset written(m_format.driver->CreateCopy(m_output.path().c_str(), &source(), FALSE,
                                               creationOptions.List(), onProgress, &progress));
   const bool isWritten = written != nullptr;
+  for (const std::string& warning : m_gdal.warnings()) {
+    m_warnings.push_back(m_output.withoutPlace(warning));
+  }
   if (isWritten) m_gdal.forget();
   written.reset();  // flushes, which fails when the disk is full
   if (isWritten && m_gdal.failure().empty()) return {};
-  return {GRI_HOST_STATUS_WRITE, m_gdal.failure().empty() ? "failed" : m_gdal.failure()};
+  const std::string reason = m_gdal.failure().empty() ? "failed" : m_gdal.failure();
+  return {GRI_HOST_STATUS_WRITE, m_output.withoutPlace(reason)};
 }
 
 GRIHostError Conversion::writeWorldFile() {
@@ -265,6 +288,10 @@ GRIHostError Conversion::writeWorldFile() {
 }
 
 int Conversion::finish() {
+  for (const std::string& warning : m_warnings) {
+    m_err << "gri: " << gri_hostPrintable(gri_hostUtf8(m_options.output.c_str()))
+          << ": warning: " << gri_hostPrintable(gri_hostUtf8(warning.c_str())) << '\n';
+  }
   const GRIGdalDamage* damage = m_picture->damage();
   if (damage == nullptr || !damage->first) return GRI_EXIT_DONE;
   const auto lost = static_cast<double>(damage->lostPixels);

@@ -40,7 +40,10 @@ std::string areaOfWindow(const GRIHostImageInfo& info, const std::array<double, 
 std::string areaOfBox(const GRIHostImageInfo& info, const std::array<double, 4>& box, Area& area) {
   const auto& [west, south, east, north] = box;
   if (!info.position) return "--bbox needs a picture with a position, and this one states none";
-  if (!(west < east && south < north)) return "--bbox takes west, south, east and north";
+  const auto isNumber = [](double side) { return std::isfinite(side); };
+  if (!std::all_of(box.begin(), box.end(), isNumber) || !(west < east && south < north)) {
+    return "--bbox takes west, south, east and north";
+  }
   double left = std::numeric_limits<double>::infinity();
   double top = left;
   double right = -left;
@@ -66,6 +69,16 @@ std::string areaOfBox(const GRIHostImageInfo& info, const std::array<double, 4>&
   if (!(left < right && top < bottom)) return "the box lies outside of the picture";
   area = {left, top, right - left, bottom - top};
   return {};
+}
+
+/// Pixels of a side at a magnification: the next whole number above, but for what products are off
+/// by; 0 when there are too many to count.
+unsigned sideAt(double side, double magnification) {
+  constexpr double PRODUCT_TOLERANCE = 1e-12;
+  constexpr double LARGEST = std::numeric_limits<int>::max();
+  const double exact = side * magnification;
+  const double pixels = std::max(1.0, std::ceil(exact - exact * PRODUCT_TOLERANCE));
+  return pixels <= LARGEST ? static_cast<unsigned>(pixels) : 0;
 }
 
 bool isPowerOfTwo(double value) {
@@ -132,16 +145,17 @@ std::string gri_planConversion(const GRIHostImage& image, const GRIConvertOption
   std::optional<GRISize> size;
   if (options.magnification) {
     const double asked = *options.magnification;
+    const GRISize asSize{sideAt(area.width, asked), sideAt(area.height, asked)};
+    if (asSize.width == 0 || asSize.height == 0) return "the magnification is too large";
+    // A picture that is too large there as a whole may still be resampled in part.
+    const bool isCountable = sideAt(info.width, asked) != 0 && sideAt(info.height, asked) != 0;
     GRIHostLevel served{asked, 0, 0};
-    const bool isServed = isPowerOfTwo(asked) && !image.sizeAt(asked, served.width, served.height);
+    const bool isServed =
+        isCountable && isPowerOfTwo(asked) && !image.sizeAt(asked, served.width, served.height);
     if (isServed) {
       level = served;
     } else {
-      const double width = std::ceil(area.width * asked);
-      const double height = std::ceil(area.height * asked);
-      constexpr double LARGEST = std::numeric_limits<int>::max();
-      if (!(width <= LARGEST && height <= LARGEST)) return "the magnification is too large";
-      size = GRISize{static_cast<unsigned>(width), static_cast<unsigned>(height)};
+      size = asSize;
     }
   } else if (options.size) {
     size = outputSize(area, *options.size);

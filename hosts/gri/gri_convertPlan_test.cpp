@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
+
 #include "tests/support/fake_gri.h"
 
 namespace {
@@ -191,4 +193,31 @@ TEST(GRIConvertPlanTest, ABoxThatIsNoneIsToldInWords) {
 
 TEST(GRIConvertPlanTest, APictureWithoutPixelsIsRefused) {
   EXPECT_EQ(planFor({.width = 0}, {}).wrong, "the picture is empty");
+}
+
+TEST(GRIConvertPlanTest, AProductThatIsNearlyWholeIsWhole) {
+  const FakePicture picture{.width = 1100, .height = 1000};
+  const auto plan = planFor(picture, with([](auto& o) { o.magnification = 1.1; })).plan;
+  EXPECT_EQ(plan.width, 1210);  // 1100 * 1.1 is a little more
+  EXPECT_EQ(plan.height, 1100);
+}
+
+TEST(GRIConvertPlanTest, AWindowOfAPictureThatIsTooLargeAtAMagnificationIsResampled) {
+  const FakePicture picture{.width = 1001, .height = 801, .maxMagnification = 0x1p40};
+  const auto all = with([](auto& o) { o.magnification = 0x1p30; });
+  EXPECT_EQ(planFor(picture, all).wrong, "the magnification is too large");
+  auto corner = with([](auto& o) { o.magnification = 0x1p22; });
+  corner.window = {{1000, 800, 1, 1}};
+  const auto [plan, wrong] = planFor(picture, corner);
+  EXPECT_EQ(wrong, "");
+  EXPECT_EQ(plan.view.magnification, 1);
+  EXPECT_EQ(plan.view.window, (GRIHostWindow{1000, 800, 1, 1}));
+  EXPECT_EQ(plan.width, 1 << 22);
+}
+
+TEST(GRIConvertPlanTest, ABoxHasFiniteSides) {
+  const FakePicture picture{.position = {0, 0, 1, -1, 0, 0}};
+  GRIConvertOptions options;
+  options.bbox = {{-5, -5, std::numeric_limits<double>::infinity(), 5}};
+  EXPECT_EQ(planFor(picture, options).wrong, "--bbox takes west, south, east and north");
 }

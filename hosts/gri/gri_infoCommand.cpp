@@ -253,6 +253,5 @@ int gri_runInfo(const std::vector<std::string>& files, bool isJson, const GRITer
     out << terminal.bold(gri_hostPrintable(gri_hostUtf8(file.c_str()))) << '\n'
         << gri_describe(image, terminal);
   }
-  out.flush();
   return exitCode;
 }

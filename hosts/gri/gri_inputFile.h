@@ -6,8 +6,9 @@
 
 #include "hosts/common/gri_hostError.h"
 
-/// Gives standard input a path. A redirected file is used as it is; what comes through a pipe is
-/// first gathered in a temporary file without a name, which the system frees in every case.
+/// Gives standard input a path. A redirected file is used as it is; what comes through a pipe, a
+/// named one too, is first gathered in a temporary file without a name, which the system frees in
+/// every case. When the first bytes are of no picture, nothing more is gathered.
 class GRIInputFile {
  public:
   GRIInputFile() = default;
@@ -22,7 +23,8 @@ class GRIInputFile {
   const std::string& path() const { return m_path; }
 
  private:
-  GRIHostError gather();
+  GRIHostError gatherFrom(const std::string& pipe);
+  GRIHostError gather(int source);
 
   std::string m_path;
   int m_descriptor = -1;  // of the temporary file

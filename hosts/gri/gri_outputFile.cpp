@@ -8,6 +8,7 @@
 #include <array>
 #include <cerrno>
 #include <cstring>
+#include <iterator>
 #include <system_error>
 #include <vector>
 
@@ -75,6 +76,7 @@ void GRIOutputFile::removeDirectory() {
   std::error_code ignored;
   fs::remove_all(m_directory, ignored);
   m_directory.clear();
+  GRIInterrupt::setLitter("");
 }
 
 GRIHostError GRIOutputFile::prepare(const std::string& output, bool force) {
@@ -98,13 +100,29 @@ GRIHostError GRIOutputFile::prepare(const std::string& output, bool force) {
   std::string pattern = (beside / ".gri-XXXXXX").string();
   if (mkdtemp(pattern.data()) == nullptr) return systemError();
   m_directory = pattern;
+  GRIInterrupt::setLitter(pattern);
   m_path = m_directory / (output == "-" ? "picture" : plainName(m_target));
   return {};
 }
 
+std::string GRIOutputFile::withoutPlace(std::string text) const {
+  if (m_directory.empty()) return text;
+  const std::string place = (m_directory / "").string();
+  for (size_t at = text.find(place); at != std::string::npos; at = text.find(place, at)) {
+    text.erase(at, place.size());
+  }
+  return text;
+}
+
 GRIHostError GRIOutputFile::commit() {
   GRIHostError error;
-  if (!m_isCopied) {
+  std::error_code failed;
+  const auto written = std::distance(fs::directory_iterator(m_directory, failed), {});
+  if (written == 0 || failed) {
+    error = writeError("this format writes no file");
+  } else if (m_isCopied && written > 1) {
+    error = writeError("this format writes several files, and here is room for one");
+  } else if (!m_isCopied) {
     error = moveIntoPlace();
   } else if (m_output == "-") {
     error = copyTo(STDOUT_FILENO);

@@ -25,7 +25,11 @@ class GRIOutputFile {
   /// Where to write. Other files may be written beside it; they go along.
   const std::filesystem::path& path() const { return m_path; }
 
+  /// @return 50005 also when nothing was written, or more files than a copy can take along
   GRIHostError commit();
+
+  /// The text without the hidden directory, of which users know nothing.
+  std::string withoutPlace(std::string text) const;
 
  private:
   GRIHostError moveIntoPlace();

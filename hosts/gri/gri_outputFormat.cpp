@@ -118,3 +118,28 @@ std::string gri_checkFormat(const GRIOutputFormat& format, GDALDataset& picture)
   return format.name + " holds " + held + " samples, and these are " + typeWords(type) +
          "; choose another format (-f GTiff, -f raw)";
 }
+
+std::string gri_checkCreationOptions(const GRIOutputFormat& format,
+                                     const std::vector<std::string>& options) {
+  CPLStringList list;
+  for (const std::string& option : options) {
+    const size_t equals = option.find('=');
+    if (equals == 0 || equals == std::string::npos) {
+      return "--co takes NAME=VALUE, and \"" + option + "\" is none";
+    }
+    const std::string name = lowerCase(option.substr(0, equals));
+    const std::string value = lowerCase(option.substr(equals + 1));
+    if (format.isRaw() && (name != "interleave" || (value != "band" && value != "pixel"))) {
+      return "raw has the options INTERLEAVE=BAND and INTERLEAVE=PIXEL, and no " + option;
+    }
+    list.AddString(option.c_str());
+  }
+  if (format.isRaw()) return {};
+  CPLErrorReset();
+  CPLPushErrorHandler(CPLQuietErrorHandler);
+  const bool isValid = GDALValidateCreationOptions(format.driver, list.List()) != FALSE;
+  CPLPopErrorHandler();
+  if (isValid) return {};
+  const std::string reason = CPLGetLastErrorMsg();
+  return reason.empty() ? format.name + " has no such options" : reason;
+}

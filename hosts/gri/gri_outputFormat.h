@@ -24,3 +24,8 @@ std::string gri_findFormat(const std::string& format, const std::string& output,
 /// Holds a picture against what a format can hold.
 /// @return what doesn't fit and what to do about it, in words; empty when all fits
 std::string gri_checkFormat(const GRIOutputFormat& format, GDALDataset& picture);
+
+/// Holds options, each NAME=VALUE, against those that a format has.
+/// @return what is wrong with them, in words; empty when nothing is
+std::string gri_checkCreationOptions(const GRIOutputFormat& format,
+                                     const std::vector<std::string>& options);

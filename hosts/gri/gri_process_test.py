@@ -28,7 +28,7 @@ def write_picture(path, **settings):
     picture = dict(width=100, height=80, bands=3, colorSpace=0x0301, dataType=1,
                    minMagnification=0.125, maxMagnification=1, position="", openStatus=0,
                    damagedFrom=0, damagedTo=0, damageStatus=2005, throws=0, isLocked=0, wkt="",
-                   noData="", bits=0, hasOddRecords=0, tiles=0, statesPosition=0)
+                   noData="", noDataType=0, bits=0, hasOddRecords=0, tiles=0, statesPosition=0)
     picture.update(settings)
     lines = "".join(f"{key} {value}\n" for key, value in picture.items())
     path.write_bytes(b"tsra\3\0\0\0\n" + lines.encode())
@@ -158,6 +158,62 @@ class ProcessTest(unittest.TestCase):
         self.assertEqual(process.returncode, 1)
         self.assertEqual(errors, b"gri: -: Broken pipe [50005]\n")
 
+    def test_output_that_gets_lost_is_a_failure(self):
+        for arguments in (["info", self.small], ["info", "--json", self.small], ["status", "50015"],
+                          ["--help"], ["--version"], ["convert", "-f", "raw", self.small, "-"]):
+            with self.subTest(arguments), open("/dev/full", "wb") as full:
+                result = subprocess.run([GRI, *map(str, arguments)], stdout=full, env=self.env,
+                                        stderr=subprocess.PIPE, check=False)
+                self.assertEqual(result.returncode, 1)
+                self.assertEqual(result.stderr, b"gri: -: No space left on device [50005]\n")
+
+    def test_closed_descriptors_are_taken_by_no_file(self):
+        closed = subprocess.run(["sh", "-c", '"$0" convert -f raw "$1" "$2" <&- >&- 2>&-', GRI,
+                                 str(self.small), str(self.out / "a.raw")], check=False)
+        self.assertEqual(closed.returncode, 0)
+        self.assertEqual((self.out / "a.raw").read_bytes(), self.open_bytes())
+        for script in ('"$0" info "$1" >&-', '"$0" convert -f raw "$1" - >&-',
+                       '"$0" info - <&-', '"$0" convert -f raw - "$2" <&-'):
+            with self.subTest(script):
+                result = subprocess.run(["sh", "-c", script, GRI, str(self.small),
+                                         str(self.out / "b.raw")], capture_output=True, check=False)
+                self.assertEqual(result.returncode, 1)
+                self.assertIn(b"gri: -: Bad file descriptor [", result.stderr)
+
+    def test_a_named_pipe_is_read_to_its_end(self):
+        pipe = self.folder / "pipe"
+        os.mkfifo(pipe)
+        for command in (["info", "--json", str(pipe)],
+                        ["convert", "-f", "raw", str(pipe), str(self.out / "a.raw")]):
+            with self.subTest(command):
+                process = subprocess.Popen([GRI, *command], stdout=subprocess.DEVNULL, env=self.env)
+                with pipe.open("wb") as end:
+                    end.write(self.small.read_bytes())
+                self.assertEqual(process.wait(60), 0)
+        self.assertEqual((self.out / "a.raw").read_bytes(), self.open_bytes())
+
+    def test_what_is_no_picture_is_not_gathered_to_its_end(self):
+        with open("/dev/zero", "rb") as zeros:
+            result = self.run_gri("info", "-", stdin=zeros, timeout=60)
+        self.assertEqual(result.returncode, 1)
+        self.assertEqual(result.stderr,
+                         b"gri: -: not a Tesra, NITF or JPEG 2000 picture [50002]\n")
+
+    def test_output_never_replaces_standard_input(self):
+        before = self.small.read_bytes()
+        with self.small.open("rb") as source:
+            result = self.run_gri("convert", "--force", "-f", "raw", "-", self.small, stdin=source)
+        self.assertEqual(result.returncode, 2)
+        self.assertIn(b"input and output are the same file", result.stderr)
+        self.assertEqual(self.small.read_bytes(), before)
+
+    def test_a_format_of_several_files_goes_into_no_pipe(self):
+        result = self.run_gri("convert", "-f", "ENVI", self.small, "-")
+        self.assertEqual((result.returncode, result.stdout), (1, b""))
+        self.assertIn(b"this format writes several files", result.stderr)
+        self.assertEqual(self.run_gri("convert", "-f", "ENVI", self.small,
+                                      self.out / "a.img").returncode, 0)
+
     def test_labels_are_bold_on_a_terminal_alone(self):
         bold = "\x1b[1mSize\x1b[0m"
         self.assertIn(bold, run_on_terminal(["info", str(self.small)], {"TERM": "xterm",
@@ -205,6 +261,19 @@ class ProcessTest(unittest.TestCase):
                 code = self.interrupt(signal.SIGINT, "-f", form, self.large, self.out / "picture")
                 self.assertEqual(code, 130)
                 self.assertEqual(list(self.out.iterdir()), [])
+
+    def test_two_signals_at_once_leave_nothing_either(self):
+        process = subprocess.Popen([GRI, "convert", str(self.large), str(self.out / "a.raw")],
+                                   env=self.env, stderr=subprocess.PIPE)
+        while not any(self.out.glob(".gri-*/*")):
+            time.sleep(0.01)
+        process.send_signal(signal.SIGSTOP)  # so that both wait
+        process.send_signal(signal.SIGINT)
+        process.send_signal(signal.SIGTERM)
+        process.send_signal(signal.SIGCONT)
+        self.assertEqual(process.communicate(timeout=60)[1], b"")
+        self.assertIn(process.returncode, (130, 143))
+        self.assertEqual(list(self.out.iterdir()), [])
 
     def test_other_signals_to_end_are_told_by_their_numbers(self):
         self.assertEqual(self.interrupt(signal.SIGTERM, self.large, self.out / "a.raw"), 143)

@@ -87,14 +87,16 @@ gr_int32 recordType(gr_int32 dataType) {
 FakeRecord noDataRecord(const FakePicture& picture) {
   FakeRecord record;
   record.tag = "IMAGE::TRANSPARENT_DATA_VALUE";
-  record.dataType = recordType(picture.dataType);
+  const bool isOfSamples = picture.noDataType == GRIC_DATATYPE_INVALID;
+  const gr_int32 type = isOfSamples ? picture.dataType : picture.noDataType;
+  record.dataType = recordType(type);
   record.dims = {static_cast<gr_uint32>(picture.noData.size())};
   const auto append = [&](auto value) {
     const char* bytes = reinterpret_cast<const char*>(&value);
     record.data.insert(record.data.end(), bytes, bytes + sizeof value);
   };
   for (const double value : picture.noData) {
-    switch (picture.dataType) {
+    switch (type) {
       case GRIC_DATATYPE_UINT8:
         append(static_cast<gr_uint8>(value));
         break;
@@ -109,6 +111,9 @@ FakeRecord noDataRecord(const FakePicture& picture) {
         break;
       case GRIC_DATATYPE_FLOAT32:
         append(static_cast<float>(value));
+        break;
+      case GRIC_DATATYPE_FLOAT64:
+        append(value);
         break;
       default:
         append(static_cast<gr_int64>(value));
@@ -220,6 +225,7 @@ FakePicture pictureOf(const std::map<std::string, std::string>& description) {
   picture.isLocked = number("isLocked") != 0;
   picture.wkt = text("wkt");
   picture.noData = numbersOf(text("noData"));
+  picture.noDataType = static_cast<gr_int32>(number("noDataType"));
   picture.bits = count("bits");
   picture.hasOddRecords = number("hasOddRecords") != 0;
   picture.tiles = count("tiles");
@@ -295,6 +301,7 @@ void FakePicture::writeTo(const std::filesystem::path& path) const {
   line("isLocked", isLocked);
   line("wkt", wkt);
   line("noData", numbers(noData));
+  line("noDataType", noDataType);
   line("bits", bits);
   line("hasOddRecords", hasOddRecords);
   line("tiles", tiles);

@@ -34,12 +34,13 @@ struct FakePicture {
   GR_STATUS damageStatus = 2005;
   Throws throws = Throws::NEVER;
   bool isLocked = false;
-  std::string wkt = {};             // record IMAGE::WKT
-  std::vector<double> noData = {};  // record IMAGE::TRANSPARENT_DATA_VALUE, in the samples' type
-  gr_uint32 bits = 0;               // record IMAGE::BITS_PER_SAMPLE
-  bool hasOddRecords = false;       // one record of each kind, see fake_gri.cpp
-  gr_uint32 tiles = 0;              // record IMAGE::NUMBER_OF_TILES
-  bool statesPosition = false;      // records IMAGE::XY_ORIGIN, X_RESOLUTION and Y_RESOLUTION
+  std::string wkt = {};                         // record IMAGE::WKT
+  std::vector<double> noData = {};              // record IMAGE::TRANSPARENT_DATA_VALUE
+  gr_int32 noDataType = GRIC_DATATYPE_INVALID;  // of that record; invalid: the samples' type
+  gr_uint32 bits = 0;                           // record IMAGE::BITS_PER_SAMPLE
+  bool hasOddRecords = false;                   // one record of each kind, see fake_gri.cpp
+  gr_uint32 tiles = 0;                          // record IMAGE::NUMBER_OF_TILES
+  bool statesPosition = false;  // records IMAGE::XY_ORIGIN, X_RESOLUTION and Y_RESOLUTION
 
   void writeTo(const std::filesystem::path& path) const;
 };

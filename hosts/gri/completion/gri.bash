@@ -1,8 +1,8 @@
 # Completion of the command gri for bash.
 
 _gri() {
-  local cur prev words cword
-  _init_completion || return
+  local cur prev words cword split
+  _init_completion -s || return
 
   local command= word
   for word in "${words[@]:1:cword-1}"; do
@@ -25,16 +25,25 @@ _gri() {
       ;;
     --co)
       COMPREPLY=($(compgen -W 'COMPRESS=DEFLATE COMPRESS=LZW TILED=YES INTERLEAVE=PIXEL' -- "$cur"))
+      # The line is completed from the last equals sign on.
+      [[ $cur == *=* ]] && COMPREPLY=("${COMPREPLY[@]#*=}")
       return
       ;;
     --password-file)
       _filedir
       return
       ;;
-    --size | -b | --bands | --window | --bbox | --password)
+    --size | -b | --bands | --password)
       return
       ;;
   esac
+  $split && return
+
+  # Four numbers follow these.
+  local first=$((cword > 4 ? cword - 4 : 0))
+  for word in "${words[@]:first:cword-first}"; do
+    [[ $word == --window || $word == --bbox ]] && return
+  done
 
   case $command in
     '')
