@@ -296,6 +296,8 @@ TEST_F(GRICommandTest, WhatAFormatLosesIsAWarning) {
   const Result result = run({"convert", "-f", "GSAG", path("IN"), path("a.grd")});
   EXPECT_EQ(result.exitCode, GRI_EXIT_DONE);
   EXPECT_TRUE(result.err.starts_with("gri: " + path("a.grd") + ": warning: ")) << result.err;
+  EXPECT_TRUE(result.err.ends_with(".\n")) << result.err;
+  EXPECT_EQ(result.err.find("\\n"), std::string::npos) << result.err;  // at the end of GDAL's text
 }
 
 TEST_F(GRICommandTest, OptionsThatTheFormatHasntAreWrongUse) {

@@ -51,8 +51,10 @@ class GdalSession {
   }
 
  private:
-  static void CPL_STDCALL onError(CPLErr kind, CPLErrorNum, const char* text) {
+  static void CPL_STDCALL onError(CPLErr kind, CPLErrorNum, const char* message) {
     auto* session = static_cast<GdalSession*>(CPLGetErrorHandlerUserData());
+    std::string text = message;
+    text.erase(text.find_last_not_of(" \n") + 1);
     if (kind >= CE_Failure && session->m_failure.empty()) session->m_failure = text;
     std::vector<std::string>& warnings = session->m_warnings;
     const bool isNew = std::find(warnings.begin(), warnings.end(), text) == warnings.end();
