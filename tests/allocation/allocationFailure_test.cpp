@@ -1,21 +1,15 @@
 // Lets every single allocation of an operation fail in turn. The operation must then end with a
 // status (or with GRUtilException(8), where a constructor has no other way), and leave nothing.
-#include <gcrypt.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <array>
-#include <cerrno>
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <functional>
 #include <new>
 #include <string>
 #include <vector>
 
-#include "gr_lib_tg2kernel/src/decode/tg2_status.h"
-#include "gr_lib_utils/include/gr_encryption.h"
 #include "gr_lib_utils/include/gr_exception.h"
 #include "gr_lib_utils/include/gr_fileUtils.h"
 #include "gr_lib_utils/include/gr_ioStreamUtils.h"
@@ -24,10 +18,8 @@
 #include "gr_lib_utils/include/gr_statusData.h"
 #include "gri_rdk_cdll.h"
 #include "gri_rdk_cdll/gri_fakeStage.h"
+#include "tests/allocation/failing_gcrypt.h"
 #include "tests/allocation/failing_new.h"
-#include "tests/support/tg2_lockWriter.h"
-#include "tests/support/tg3_lockWriter.h"
-#include "tests/support/tg3_writer.h"
 
 namespace {
 
@@ -76,24 +68,13 @@ void expectToSurvive(const std::function<GR_STATUS()>& operation,
   EXPECT_EQ(runOnce(operation, 0).status, GR_STATUS_OK);
 }
 
-// As those of the C library tell that there is no memory.
-void* failingAlloc(size_t bytes) {
-  if (!failing_new::shallFail()) return std::malloc(bytes);
-  errno = ENOMEM;
-  return nullptr;
-}
-void* failingRealloc(void* block, size_t bytes) {
-  if (!failing_new::shallFail()) return std::realloc(block, bytes);
-  errno = ENOMEM;
-  return nullptr;
-}
-
 TEST(AllocationFailureTest, MemoryStreamsReportIt) {
   const std::vector<gr_uint8> bytes(100, 7);
   expectToSurvive(
       [&]() -> GR_STATUS {
         GRIODynamicMemStream stream;
-        GR_RETURN_IF_FAILED(stream.initialize(4, failingAlloc, failingRealloc, std::free, 1.5F));
+        GR_RETURN_IF_FAILED(
+            stream.initialize(4, failing_new::alloc, failing_new::realloc, std::free, 1.5F));
         GR_RETURN_IF_FAILED(stream.open());
         for (int i = 0; i < 20; ++i) {
           if (stream.write(bytes.data(), 100) != 100) return stream.getLastError();
@@ -195,110 +176,18 @@ TEST(AllocationFailureTest, ADecodeEndsWithAStatusAndLeavesTheHandleUsable) {
   EXPECT_EQ(gric_closeImage(image), 0u);
 }
 
-/// A file in the temporary directory, which goes away.
-class TemporaryFile {
- public:
-  explicit TemporaryFile(const std::vector<gr_uint8>& bytes) {
-    GRFileSpec path;
-    EXPECT_EQ(GRFileUtils::makeTempFile(GRFileSpec(), nullptr, path), GR_STATUS_OK);
-    m_path = path.utf8();
-    std::ofstream(m_path, std::ios::binary)
-        .write(reinterpret_cast<const char*>(bytes.data()),
-               static_cast<std::streamsize>(bytes.size()));
+TEST(AllocationFailureTest, MessagesNeedNoMemory) {
+  ASSERT_EQ(initializeStatusStrings(), 0u);
+  GRUtilStatusData::pushBegin(TESRA_STATUS_CANNOT_OPEN);
+  GRUtilStatusData::pushFileSpec(GRFileSpec("a/path"));
+  GRUtilStatusData::pushEnd();
+  {
+    const failing_new::Period period(1, Extent::ALL_BEHIND);
+    const char* const message = getLastStatusString(TESRA_STATUS_CANNOT_OPEN);
+    EXPECT_STREQ(message, "can't open file: a/path [50613]");
+    EXPECT_EQ(failing_new::tried(), 0u);
   }
-  TemporaryFile(const TemporaryFile&) = delete;
-  TemporaryFile& operator=(const TemporaryFile&) = delete;
-  ~TemporaryFile() { std::filesystem::remove(m_path); }
-
-  const char* path() const { return m_path.c_str(); }
-
- private:
-  std::string m_path;
-};
-
-/// Opens a picture, decodes its upper left and closes it. Whatever fails, the handle that there is
-/// can be closed. At most 4 bands of at most 16 bits.
-/// @param password  of a locked picture; null for none
-GR_STATUS openDecodeAndClose(GR_STATUS (*open)(gric_image*, const char*), const char* path,
-                             const char* password = nullptr) {
-  constexpr gr_uint32 SIDE = 80;  // pixels
-  struct Handle {
-    ~Handle() {
-      if (image != nullptr) gric_closeImage(image);
-    }
-    gric_image image = nullptr;
-  } handle;
-  static std::array<std::array<gr_uint16, size_t{SIDE} * SIDE>, 4> planes;
-  std::array<void*, 4> bands{};
-  std::transform(planes.begin(), planes.end(), bands.begin(), [](auto& p) { return p.data(); });
-  GR_RETURN_IF_FAILED(open(&handle.image, path));
-  if (password != nullptr) GR_RETURN_IF_FAILED(gric_setTesraPassword(handle.image, password));
-  return gric_decode(handle.image, 0, 0, SIDE, SIDE, 1.0, bands.data());
-}
-
-std::vector<gr_uint8> tesraFile() {
-  TG3TestImage image;
-  image.width = 100;
-  image.height = 80;
-  image.numLevels = 2;
-  std::vector<gr_int32> plane(size_t{100} * 80);
-  for (size_t i = 0; i < plane.size(); ++i) plane[i] = static_cast<gr_int32>(i * 7 % 256);
-  return tg3_writeImage(image, {plane});
-}
-
-TEST(AllocationFailureTest, ATesraImageOpensDecodesAndClosesOrSaysSo) {
-  const TemporaryFile file(tesraFile());
-  expectToSurvive([&] { return openDecodeAndClose(gric_openTesraImageFile, file.path()); },
-                  {GR_STATUS_NO_MEMORY, TG3_STATUS_NO_MEMORY, TESRA_STATUS_CANNOT_OPEN});
-}
-
-int isSecure(const void*) { return 0; }
-
-/// Lets the allocations of libgcrypt fail as well.
-class FailingGcrypt {
- public:
-  FailingGcrypt() {
-    Encryption().setKey("any");  // its own set-up comes first
-    gcry_set_allocation_handler(failingAlloc, failingAlloc, isSecure, failingRealloc, std::free);
-  }
-  ~FailingGcrypt() {
-    gcry_set_allocation_handler(std::malloc, std::malloc, isSecure, std::realloc, std::free);
-  }
-  FailingGcrypt(const FailingGcrypt&) = delete;
-  FailingGcrypt& operator=(const FailingGcrypt&) = delete;
-};
-
-TEST(AllocationFailureTest, ALockedTesraImageOpensDecodesAndClosesOrSaysSo) {
-  TG3TestImage image;
-  image.width = 80;
-  image.height = 80;
-  image.numLevels = 2;
-  const std::vector<gr_int32> plane(size_t{80} * 80, 7);
-  const TG3TestLock lock = {.kind = 3, .scale = 1, .numLevels = 2, .rectangle = {0, 0, 79, 79}};
-  const TemporaryFile file(tg3_writeLockedImage(image, lock, {plane}));
-  const FailingGcrypt gcrypt;
-  expectToSurvive(
-      [&] { return openDecodeAndClose(gric_openTesraImageFile, file.path(), "sesame"); },
-      {GR_STATUS_NO_MEMORY, TG3_STATUS_NO_MEMORY, TESRA_STATUS_CANNOT_OPEN});
-}
-
-TEST(AllocationFailureTest, ALockedImageOfGeneration2OpensDecodesAndClosesOrSaysSo) {
-  TG2TestImage image;
-  image.width = 80;
-  image.height = 80;
-  const std::vector<float> plane(size_t{80} * 80, 7.0F);
-  const TemporaryFile file(tg2_writeImage(tg2_locked(image), {plane}).bytes);
-  const FailingGcrypt gcrypt;
-  expectToSurvive(
-      [&] { return openDecodeAndClose(gric_openTesraImageFile, file.path(), "sesame"); },
-      {GR_STATUS_NO_MEMORY, TESRA_STATUS_CANNOT_OPEN, TG2_STATUS_READ_ERROR, TG2_STATUS_IO_ERROR});
-}
-
-TEST(AllocationFailureTest, ANitfImageWithAWorldFileOpensDecodesAndClosesOrSaysSo) {
-  expectToSurvive(
-      [] { return openDecodeAndClose(gric_openNITFImageFile, GRI_SAMPLE); },
-      {GR_STATUS_NO_MEMORY, NITF_STATUS_NO_MEMORY, NITF_STATUS_OPEN_ERROR,
-       NITF_STATUS_DUPLICATE_STREAM, GRI_STATUS_READ_ERROR /* no stream on the world file */});
+  EXPECT_EQ(terminateStatusStrings(), 0u);
 }
 
 }  // namespace

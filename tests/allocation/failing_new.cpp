@@ -53,7 +53,7 @@ Period::Period(std::size_t failingNumber, Extent extent) {
   g_isCounting = true;
 }
 
-Period::~Period() { g_isCounting = false; }
+void Period::end() { g_isCounting = false; }
 
 std::size_t tried() { return g_tried; }
 

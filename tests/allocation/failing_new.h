@@ -15,7 +15,8 @@ enum class Extent { ALONE, ALL_BEHIND };
 class Period {
  public:
   Period(std::size_t failingNumber, Extent extent);
-  ~Period();
+  ~Period() { end(); }
+  void end();  ///< before it goes
   Period(const Period&) = delete;
   Period& operator=(const Period&) = delete;
 };

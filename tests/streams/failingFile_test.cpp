@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/streams/failing_files.h"
-#include "tests/streams/sample_files.h"
+#include "tests/support/sample_files.h"
 
 namespace {
 

@@ -2,8 +2,8 @@
 // in a status or in the right picture, and the handle stays good for the next decode.
 #include <gtest/gtest.h>
 
-#include "tests/streams/host_stream.h"
-#include "tests/streams/sample_files.h"
+#include "tests/support/host_stream.h"
+#include "tests/support/sample_files.h"
 
 namespace {
 

@@ -1,14 +1,13 @@
-#include "tests/streams/host_stream.h"
+#include "tests/support/host_stream.h"
 
 #include <algorithm>
 #include <cstring>
 #include <limits>
+#include <new>
 
 /// The nine functions. The user pointer is a Cursor, or null where `duplicate` refused: a stream
 /// that can do nothing.
 struct HostStream::Callbacks {
-  static constexpr gr_int32 REFUSED = 5;
-
   static Cursor& cursorOf(void* user) { return *static_cast<Cursor*>(user); }
   /// How this answer is to be; counts it.
   static HostFault next(void* user) {
@@ -87,7 +86,12 @@ struct HostStream::Callbacks {
   }
 
   static void* duplicate(void* user) {
-    return next(user) == HostFault::REFUSAL ? nullptr : cursorOf(user).host->addCursor();
+    if (next(user) == HostFault::REFUSAL) return nullptr;
+    try {
+      return cursorOf(user).host->addCursor();
+    } catch (const std::bad_alloc&) {
+      return nullptr;
+    }
   }
 };
 

@@ -23,5 +23,6 @@ std::vector<SampleFile> nitfSampleFiles();
 SampleBytes bytesOf(const SampleFile& file);
 
 /// Decodes the upper left pixels, and those of half the size where the picture has it.
-/// @param samples  receives them, band after band; of what failed too
+/// @param samples  receives them, band after band; of what failed too. Allocates nothing where it
+///                 was used for the same picture before
 GR_STATUS decodeCorners(gric_image image, SampleBytes& samples);

@@ -1,6 +1,7 @@
-#include "tests/streams/sample_files.h"
+#include "tests/support/sample_files.h"
 
 #include <algorithm>
+#include <array>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -31,6 +32,7 @@ Passwords readPasswords(const std::string& list) {
 GR_STATUS decodeCorner(gric_image image, double magnification, SampleBytes& samples) {
   constexpr gr_uint32 SIDE = 20;  // pixels
   constexpr size_t MOST_SAMPLE_BYTES = 8;
+  constexpr size_t MOST_BANDS = 16;
   gr_uint32 width = 0;
   gr_uint32 height = 0;
   const GR_STATUS status = gric_getDimsAtMag(image, magnification, &width, &height);
@@ -40,8 +42,10 @@ GR_STATUS decodeCorner(gric_image image, double magnification, SampleBytes& samp
   const size_t plane = MOST_SAMPLE_BYTES * width * height;
   const size_t first = samples.size();
   samples.resize(first + plane * gric_getNumBands(image));
-  std::vector<void*> bands;
-  for (size_t at = first; at < samples.size(); at += plane) bands.push_back(&samples[at]);
+  std::array<void*, MOST_BANDS> bands{};
+  for (size_t band = 0; band < gric_getNumBands(image); ++band) {
+    bands.at(band) = &samples[first + band * plane];
+  }
   return gric_decode(image, 0, 0, width, height, magnification, bands.data());
 }
 

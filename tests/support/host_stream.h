@@ -11,7 +11,7 @@
 /// What is wrong with an answer.
 enum class HostFault {
   NONE,
-  REFUSAL,   ///< statuses of 5, no bytes, a position of -1, no duplicate
+  REFUSAL,   ///< statuses of HostStream::REFUSED, no bytes, a position of -1, no duplicate
   CUT_READ,  ///< only reads fail: they give half of what was asked for
   NONSENSE,  ///< counts above the length, positions past the end, truths of 2, seeks elsewhere
 };
@@ -22,6 +22,8 @@ enum class HostExtent { ALONE, ALL_BEHIND };
 /// One stream and its duplicates, which have positions of their own.
 class HostStream {
  public:
+  static constexpr gr_int32 REFUSED = 5;  ///< a status of nobody else's
+
   explicit HostStream(std::span<const gr_uint8> bytes);
   ~HostStream();  ///< destroys the stream
   HostStream(const HostStream&) = delete;
