@@ -317,8 +317,8 @@ GRI_EXPORT GR_STATUS gric_openTesraImageFile(gric_image* image, const char* file
  * closed again; one that is open stays open. Images on one stream count as one handle for the rule
  * of one thread at a time.
  *
- * @return as above; 50613 when the stream doesn't open. Here and in a decode a status that a callback
- *         gives may come back as it is
+ * @return as above; 50613 when the stream doesn't open. Here and in a decode a status that a
+ * callback gives may come back as it is
  */
 GRI_EXPORT GR_STATUS gric_openTesraImageStream(gric_image* image, gr_ioCStream stream);
 

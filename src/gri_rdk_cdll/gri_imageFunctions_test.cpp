@@ -80,10 +80,13 @@ TEST(VersionFunctionTest, TestsMajorAndBranchAlone) {
   EXPECT_EQ(gric_getVersion(&number, &number, &number, &number, nullptr), 52001u);
 }
 
-TEST(VersionFunctionDeathTest, CrashesForANullMinor) {
+TEST(VersionFunctionDeathTest, CrashesForANullInBetween) {
   gr_uint32 number = 0;
   const char* branch = nullptr;
   EXPECT_DEATH(gric_getVersion(&number, nullptr, nullptr, nullptr, &branch), "");
+  EXPECT_DEATH(gric_getVersion(&number, nullptr, &number, &number, &branch), "");
+  EXPECT_DEATH(gric_getVersion(&number, &number, nullptr, &number, &branch), "");
+  EXPECT_DEATH(gric_getVersion(&number, &number, &number, nullptr, &branch), "");
 }
 
 TEST(NullHandleTest, HasNoPropertiesAndNoStatus) {
@@ -391,14 +394,28 @@ TEST(OpenFunctionsTest, CannotOpenATesraStreamThatRefuses) {
   EXPECT_EQ(gric_openTesraImageStream(&image, stream.handle()), 50613u);
 }
 
-TEST(OpenFunctionsTest, RefuseAFileThatIsNoTesraImage) {
-  const std::filesystem::path path =
-      testing::TempDir() + "gri_no_tesra_" + std::to_string(getpid());
-  std::ofstream(path) << "tsrb and more than enough bytes behind it";
-  gric_image image = staleHandle();
-  EXPECT_EQ(gric_openTesraImageFile(&image, path.c_str()), 50607u);
-  EXPECT_EQ(image, nullptr);
+/// What opening a Tesra file of these bytes gives.
+GR_STATUS statusOfTesraFile(const std::string& bytes, gric_image& image) {
+  const std::filesystem::path path = testing::TempDir() + "gri_tesra_" + std::to_string(getpid());
+  std::ofstream(path, std::ios::binary) << bytes;
+  const GR_STATUS status = gric_openTesraImageFile(&image, path.c_str());
   std::filesystem::remove(path);
+  return status;
+}
+
+TEST(OpenFunctionsTest, RefuseAFileThatIsNoTesraImage) {
+  // Without a packet, so without an image; but a Tesra file.
+  const std::string empty("tsra\3\0\x1At", 8);
+  gric_image image = staleHandle();
+  EXPECT_EQ(statusOfTesraFile(empty, image), 3u);
+  for (size_t i = 0; i < 4; ++i) {
+    SCOPED_TRACE(i);
+    std::string other = empty;
+    other[i] = static_cast<char>(other[i] ^ 1);
+    image = staleHandle();
+    EXPECT_EQ(statusOfTesraFile(other, image), 50607u);
+    EXPECT_EQ(image, nullptr);
+  }
 }
 
 TEST(OpenFunctionsTest, RefuseANitfFileThatIsNotThere) {

@@ -71,6 +71,7 @@ TEST_F(FilledInStatusStringsTest, ReportsMissingDetails) {
 TEST_F(FilledInStatusStringsTest, FillsInThePathOnceAndUsesItUp) {
   pushPath(50613, "/images/x.tsr");
   EXPECT_STREQ(gr_lastStatusString(50613), "can't open file: /images/x.tsr [50613]");
+  EXPECT_EQ(GRUtilStatusData::popEnd(), GR_STATUS_STATUS_DATA);  // nothing is left of it
   EXPECT_STREQ(gr_lastStatusString(50613), "error retrieving status string (3070) [50613]");
 }
 
