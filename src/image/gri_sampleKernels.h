@@ -18,7 +18,7 @@
 /// @param planes       numBands pointers, each to room for numPixels samples; none of them overlaps
 ///                     `interleaved` or another plane
 ///
-/// 2, 3 and 4 bands are vectorised; any other number of bands goes through the scalar loop.
+/// Samples of up to 4 bytes are vectorised, up to four bands at once; more bands go four by four.
 void gri_splitBands(const void* interleaved, size_t numPixels, size_t numBands, size_t sampleBytes,
                     void* const* planes);
 void gri_splitBandsScalar(const void* interleaved, size_t numPixels, size_t numBands,

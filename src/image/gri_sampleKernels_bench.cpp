@@ -66,7 +66,7 @@ void BM_Swap(benchmark::State& state) {
 }
 
 void pixels(benchmark::internal::Benchmark* bench) {
-  bench->ArgNames({"bands", "width"})->ArgsProduct({{2, 3, 4}, {1, 2, 4}});
+  bench->ArgNames({"bands", "width"})->ArgsProduct({{2, 3, 4, 7, 8, 64}, {1, 2, 4}});
 }
 
 void samples(benchmark::internal::Benchmark* bench) {

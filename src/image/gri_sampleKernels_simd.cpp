@@ -1,6 +1,9 @@
+#include <algorithm>
 #include <bit>
 #include <cassert>
 #include <cstring>
+#include <type_traits>
+#include <utility>
 
 #include "image/gri_sampleKernels.h"
 
@@ -170,13 +173,92 @@ auto chosenSplitBands() { return HWY_DYNAMIC_DISPATCH(SplitBands); }
 auto chosenJoinBands() { return HWY_DYNAMIC_DISPATCH(JoinBands); }
 
 auto chosenCopySwapped() { return HWY_DYNAMIC_DISPATCH(CopySwapped); }
+
+namespace {
+
+constexpr size_t GROUP_BANDS = 4;      // the most that the kernels take
+constexpr size_t PIECE_PIXELS = 256;   // at most
+constexpr size_t PIECE_BYTES = 32768;  // of interleaved pixels, which each group passes over
+constexpr size_t MAX_SAMPLE_BYTES = 8;
+
+template <size_t BYTES>
+void copyBlocks(const gr_uint8* from, size_t fromStep, size_t count, gr_uint8* to, size_t toStep) {
+  for (size_t i = 0; i < count; ++i) std::memcpy(to + i * toStep, from + i * fromStep, BYTES);
+}
+
+template <size_t... BYTES>
+void copyBlocks(const gr_uint8* from, size_t fromStep, size_t count, size_t bytes, gr_uint8* to,
+                size_t toStep, std::index_sequence<BYTES...>) {
+  const bool isCopied =
+      ((bytes == BYTES && (copyBlocks<BYTES>(from, fromStep, count, to, toStep), true)) || ...);
+  assert(isCopied);
+  static_cast<void>(isCopied);
+}
+
+/// Copies `count` blocks of `bytes` bytes that lie `fromStep` and `toStep` bytes apart. A block is
+/// one to four samples of 1, 2, 4 or 8 bytes.
+void copyBlocks(const gr_uint8* from, size_t fromStep, size_t count, size_t bytes, gr_uint8* to,
+                size_t toStep) {
+  copyBlocks(from, fromStep, count, bytes, to, toStep,
+             std::index_sequence<1, 2, 3, 4, 6, 8, 12, 16, 24, 32>());
+}
+
+/// Cuts pixels of many bands into groups of bands that the kernels take, and rows into pieces that
+/// stay in the cache from one group to the next. Calls `body(block, count, bands, bytes, planes)`
+/// for each: `count` pixels, whose samples of this group are `bytes` bytes from `block` on (an
+/// offset into the interleaved row), and where the samples of the group's `bands` bands lie.
+template <typename Plane, typename Body>
+void forEachGroup(size_t numPixels, size_t numBands, size_t sampleBytes, Plane* const* planes,
+                  Body&& body) {
+  using Byte = std::conditional_t<std::is_const_v<Plane>, const gr_uint8, gr_uint8>;
+  const size_t pixelBytes = numBands * sampleBytes;
+  const size_t step = std::clamp<size_t>(PIECE_BYTES / pixelBytes, 1, PIECE_PIXELS);
+  for (size_t first = 0; first < numPixels; first += step) {
+    const size_t count = std::min(step, numPixels - first);
+    for (size_t band = 0; band < numBands; band += GROUP_BANDS) {
+      const size_t bands = std::min(GROUP_BANDS, numBands - band);
+      Plane* group[GROUP_BANDS] = {};
+      for (size_t k = 0; k < bands; ++k) {
+        group[k] = static_cast<Byte*>(planes[band + k]) + first * sampleBytes;
+      }
+      body(first * pixelBytes + band * sampleBytes, count, bands, bands * sampleBytes, group);
+    }
+  }
+}
+
+void splitManyBands(const void* interleaved, size_t numPixels, size_t numBands, size_t sampleBytes,
+                    void* const* planes) {
+  const gr_uint8* const from = static_cast<const gr_uint8*>(interleaved);
+  gr_uint8 packed[PIECE_PIXELS * GROUP_BANDS * MAX_SAMPLE_BYTES];
+  forEachGroup(numPixels, numBands, sampleBytes, planes,
+               [&](size_t block, size_t count, size_t bands, size_t bytes, void* const* group) {
+                 copyBlocks(from + block, numBands * sampleBytes, count, bytes, packed, bytes);
+                 gri_splitBands(packed, count, bands, sampleBytes, group);
+               });
+}
+
+void joinManyBands(const void* const* planes, size_t numPixels, size_t numBands, size_t sampleBytes,
+                   void* interleaved) {
+  gr_uint8* const to = static_cast<gr_uint8*>(interleaved);
+  gr_uint8 packed[PIECE_PIXELS * GROUP_BANDS * MAX_SAMPLE_BYTES];
+  forEachGroup(
+      numPixels, numBands, sampleBytes, planes,
+      [&](size_t block, size_t count, size_t bands, size_t bytes, const void* const* group) {
+        gri_joinBands(group, count, bands, sampleBytes, packed);
+        copyBlocks(packed, bytes, count, bytes, to + block, numBands * sampleBytes);
+      });
+}
+
+}  // namespace
 }  // namespace gri_sampleKernels
 
 void gri_splitBands(const void* interleaved, size_t numPixels, size_t numBands, size_t sampleBytes,
                     void* const* planes) {
   if (numBands == 1) {
     if (numPixels != 0) std::memcpy(planes[0], interleaved, numPixels * sampleBytes);
-  } else if (numBands <= 4 && sampleBytes <= 4) {
+  } else if (numBands > gri_sampleKernels::GROUP_BANDS) {
+    gri_sampleKernels::splitManyBands(interleaved, numPixels, numBands, sampleBytes, planes);
+  } else if (sampleBytes <= 4) {
     gri_sampleKernels::chosenSplitBands()(interleaved, numPixels, numBands, sampleBytes, planes);
   } else {
     gri_splitBandsScalar(interleaved, numPixels, numBands, sampleBytes, planes);
@@ -187,7 +269,9 @@ void gri_joinBands(const void* const* planes, size_t numPixels, size_t numBands,
                    void* interleaved) {
   if (numBands == 1) {
     if (numPixels != 0) std::memcpy(interleaved, planes[0], numPixels * sampleBytes);
-  } else if (numBands <= 4 && sampleBytes <= 4) {
+  } else if (numBands > gri_sampleKernels::GROUP_BANDS) {
+    gri_sampleKernels::joinManyBands(planes, numPixels, numBands, sampleBytes, interleaved);
+  } else if (sampleBytes <= 4) {
     gri_sampleKernels::chosenJoinBands()(planes, numPixels, numBands, sampleBytes, interleaved);
   } else {
     gri_joinBandsScalar(planes, numPixels, numBands, sampleBytes, interleaved);
