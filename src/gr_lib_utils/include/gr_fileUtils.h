@@ -34,8 +34,8 @@ class GRFileUtils {
   /// @return 0 or GR_STATUS_MOVE
   static GR_STATUS move(const GRFileSpec& from, const GRFileSpec& to);
   /// Copies the contents; an existing target is overwritten.
-  /// @return 0; GR_STATUS_FAILURE when `from` doesn't exist or a write falls short; 50004 when one
-  ///         of the two can't be opened
+  /// @return 0; GR_STATUS_FAILURE when `from` doesn't exist, when both are one file, and when a
+  ///         read or write falls short; 50004 when one of the two can't be opened
   static GR_STATUS copy(const GRFileSpec& from, const GRFileSpec& to);
 
   static gr_uint64 getFileSize(const GRFileSpec& path);  ///< bytes; 0 when there is no such file

@@ -35,10 +35,12 @@ class GRIOStreamUtils {
   ///         memory
   [[nodiscard]] static GR_STATUS copy(GRIOStreamInf& destination, GRIOStreamInf& source,
                                       gr_int64 numBytes);
-  /// Whether two open streams hold the same bytes, from begin to end. Their positions are restored.
+  /// Whether two open streams hold the same bytes, from begin to end; not where one can't be read
+  /// to its end. Their positions are restored.
   static bool compare(GRIOStreamInf& a, GRIOStreamInf& b);
   /// Writes all of an open stream to a new file; the position is restored.
-  /// @return 0; 50004 when the file can't be made; else as copy()
+  /// @return 0; 50004 when the file can't be made; the stream's last error, or 1 where that is 0,
+  ///         when it can't be read to its end; else as copy()
   [[nodiscard]] static GR_STATUS copyToFile(GRIOStreamInf& stream, const GRFileSpec& path);
   /// The length of an open stream in bytes; negative on failure. The position is restored.
   static gr_int64 getStreamLength(GRIOStreamInf& stream);

@@ -130,13 +130,15 @@ GR_STATUS GRFileUtils::move(const GRFileSpec& from, const GRFileSpec& to) {
 }
 
 GR_STATUS GRFileUtils::copy(const GRFileSpec& from, const GRFileSpec& to) {
-  if (!fileExists(from)) return GR_STATUS_FAILURE;
-  const auto source = GRIOStreamUtils::openReadStream(from);
-  if (source == nullptr) return GRI_STATUS_OPEN_ERROR;
-  const auto target = GRIOStreamUtils::openWriteStream(to);
-  if (target == nullptr) return GRI_STATUS_OPEN_ERROR;
-  GR_RETURN_IF_FAILED(GRIOStreamUtils::copy(*target, *source));
-  return target->close();
+  struct stat source {};
+  struct stat target {};
+  if (!getAttributes(from, source)) return GR_STATUS_FAILURE;
+  // To open a file for writing empties it, which mustn't happen to the one that is read.
+  const bool isSameFile =
+      getAttributes(to, target) && source.st_dev == target.st_dev && source.st_ino == target.st_ino;
+  if (isSameFile) return GR_STATUS_FAILURE;
+  const auto stream = GRIOStreamUtils::openReadStream(from);
+  return stream == nullptr ? GRI_STATUS_OPEN_ERROR : GRIOStreamUtils::copyToFile(*stream, to);
 }
 
 gr_uint64 GRFileUtils::getFileSize(const GRFileSpec& path) {

@@ -138,6 +138,15 @@ TEST(GRFileUtilsTest, CopiesOverAnExistingFile) {
   EXPECT_EQ(GRFileUtils::copy(spec(from), spec(directory.path("none/x"))), GRI_STATUS_OPEN_ERROR);
 }
 
+TEST(GRFileUtilsTest, ACopyOfAFileOntoItselfFailsAndLeavesIt) {
+  const TemporaryDirectory directory;
+  const std::string file = directory.fileOf("x", countingBytes(100));
+  fs::create_hard_link(file, directory.path("y"));
+  EXPECT_EQ(GRFileUtils::copy(spec(file), spec(file)), GR_STATUS_FAILURE);
+  EXPECT_EQ(GRFileUtils::copy(spec(file), spec(directory.path("y"))), GR_STATUS_FAILURE);
+  EXPECT_EQ(GRFileUtils::getFileSize(spec(file)), 100u);
+}
+
 TEST(GRFileUtilsTest, ReopensAFile) {
   const TemporaryDirectory directory;
   directory.fileOf("one", {1});

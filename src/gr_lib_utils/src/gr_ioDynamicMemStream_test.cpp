@@ -83,6 +83,13 @@ TEST(GRIODynamicMemStreamTest, AClosedStreamKeepsItsDataAndGivesNothing) {
   EXPECT_EQ(readBytes(*stream, 4), countingBytes(4));
 }
 
+TEST(GRIODynamicMemStreamTest, AReadOfAClosedStreamIsNotItsEnd) {
+  const auto stream = memStreamOf(countingBytes(4));
+  ASSERT_EQ(stream->close(), GR_STATUS_OK);
+  EXPECT_EQ(readBytes(*stream, 1), Bytes{});
+  EXPECT_FALSE(stream->isEOF());
+}
+
 TEST(GRIODynamicMemStreamTest, OpeningAnOpenStreamMovesNothing) {
   const auto stream = memStreamOf(countingBytes(4));
   ASSERT_EQ(stream->seek(2, GRIO_SEEK_BEGIN), GR_STATUS_OK);

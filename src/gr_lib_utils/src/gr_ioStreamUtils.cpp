@@ -53,8 +53,6 @@ class PositionKeeper {
     if (m_position >= 0) static_cast<void>(m_stream.seek(m_position, GRIO_SEEK_BEGIN));
   }
 
-  bool isKnown() const { return m_position >= 0; }
-
  private:
   GRIOStreamInf& m_stream;
   gr_int64 m_position;
@@ -153,7 +151,8 @@ bool GRIOStreamUtils::compare(GRIOStreamInf& a, GRIOStreamInf& b) {
     const gr_uint32 count = a.read(bufferA.data(), COPY_BYTES);
     if (b.read(bufferB.data(), COPY_BYTES) != count) return false;
     if (std::memcmp(bufferA.data(), bufferB.data(), count) != 0) return false;
-    if (count < COPY_BYTES) return true;
+    // What can't be read may differ.
+    if (count < COPY_BYTES) return a.isEOF() && b.isEOF();
   }
 }
 
@@ -163,13 +162,15 @@ GR_STATUS GRIOStreamUtils::copyToFile(GRIOStreamInf& stream, const GRFileSpec& p
   const auto file = openWriteStream(path);
   if (file == nullptr) return GRI_STATUS_OPEN_ERROR;
   GR_RETURN_IF_FAILED(copy(*file, stream));
+  if (!stream.isEOF()) return errorOf(stream);
   return file->close();
 }
 
 gr_int64 GRIOStreamUtils::getStreamLength(GRIOStreamInf& stream) {
-  const PositionKeeper keep(stream);
-  if (!keep.isKnown() || !GR_SUCCESS(stream.seek(0, GRIO_SEEK_END))) return -1;
-  return stream.tell();
+  const gr_int64 position = stream.tell();
+  if (position < 0 || !GR_SUCCESS(stream.seek(0, GRIO_SEEK_END))) return -1;
+  const gr_int64 length = stream.tell();
+  return GR_SUCCESS(stream.seek(position, GRIO_SEEK_BEGIN)) ? length : -1;
 }
 
 std::unique_ptr<GRIOStreamInf> GRIOStreamUtils::duplicateAt(GRIOStreamInf& stream) {

@@ -31,6 +31,30 @@ class Reluctant : public GRIODynamicMemStream {
   GR_STATUS m_error;
 };
 
+/// A memory stream that reads no farther than to a place in the middle, and doesn't go back there.
+class Damaged : public GRIODynamicMemStream {
+ public:
+  static constexpr GR_STATUS REASON = 77;
+  Damaged(const Bytes& bytes, gr_int64 place) : m_place(place) {
+    EXPECT_EQ(initialize(16, 1.5F), GR_STATUS_OK);
+    EXPECT_EQ(open(), GR_STATUS_OK);
+    EXPECT_EQ(write(bytes.data(), static_cast<gr_uint32>(bytes.size())), bytes.size());
+    EXPECT_EQ(seek(0, GRIO_SEEK_BEGIN), GR_STATUS_OK);
+  }
+  gr_uint32 read(gr_uint8* buffer, gr_uint32 length) override {
+    const auto left = static_cast<gr_uint32>(std::max<gr_int64>(m_place - tell(), 0));
+    return GRIODynamicMemStream::read(buffer, std::min(length, left));
+  }
+  GR_STATUS seek(gr_int64 offset, GRIOSeekDir origin) override {
+    if (origin == GRIO_SEEK_BEGIN && offset == m_place) return REASON;
+    return GRIODynamicMemStream::seek(offset, origin);
+  }
+  GR_STATUS getLastError() override { return REASON; }
+
+ private:
+  gr_int64 m_place;
+};
+
 Bytes contentOf(GRIODynamicMemStream& stream) {
   return {stream.getData(), stream.getData() + stream.getSize()};
 }
@@ -131,6 +155,21 @@ TEST(GRIOStreamUtilsTest, ComparesFromTheBeginAndRestoresPositions) {
   EXPECT_EQ(b->tell(), 0);
 }
 
+TEST(GRIOStreamUtilsTest, StreamsThatCannotBeReadAreNotEqual) {
+  Damaged a(countingBytes(100), 50), b(countingBytes(100), 50);
+  const auto half = memStreamOf(countingBytes(50));
+  EXPECT_FALSE(GRIOStreamUtils::compare(a, b));
+  EXPECT_FALSE(GRIOStreamUtils::compare(a, *half));
+  EXPECT_FALSE(GRIOStreamUtils::compare(*half, a));
+}
+
+TEST(GRIOStreamUtilsTest, ACopyToAFileReportsWhyTheStreamCannotBeRead) {
+  const TemporaryDirectory directory;
+  Damaged stream(countingBytes(100), 50);
+  EXPECT_EQ(GRIOStreamUtils::copyToFile(stream, GRFileSpec(directory.path("x").c_str())),
+            Damaged::REASON);
+}
+
 TEST(GRIOStreamUtilsTest, CopiesAllToAFileAndRestoresThePosition) {
   const TemporaryDirectory directory;
   const GRFileSpec path(directory.path("x").c_str());
@@ -150,6 +189,13 @@ TEST(GRIOStreamUtilsTest, KnowsTheLengthOfAStreamAndRestoresThePosition) {
   EXPECT_EQ(stream->tell(), 50);
   ASSERT_EQ(stream->close(), GR_STATUS_OK);
   EXPECT_LT(GRIOStreamUtils::getStreamLength(*stream), 0);
+}
+
+TEST(GRIOStreamUtilsTest, AStreamThatDoesNotGoBackHasNoLength) {
+  Damaged stream(countingBytes(100), 50);
+  EXPECT_EQ(GRIOStreamUtils::getStreamLength(stream), 100);
+  EXPECT_EQ(readBytes(stream, 50).size(), 50u);
+  EXPECT_LT(GRIOStreamUtils::getStreamLength(stream), 0);
 }
 
 TEST(GRIOStreamUtilsTest, ADuplicateIsOpenWhereTheStreamIsOpen) {
