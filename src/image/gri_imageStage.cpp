@@ -1,6 +1,7 @@
 #include "image/gri_imageStage.h"
 
 #include <cassert>
+#include <limits>
 
 #include "gr_lib_utils/include/gr_exception.h"
 #include "gr_lib_utils/include/gr_memory.h"
@@ -9,6 +10,17 @@
 #include "image/gri_navigator.h"
 #include "image/gri_pixel.h"
 #include "image/gri_sceneBuffer.h"
+
+namespace {
+
+/// Whether the last column and row of a scene have numbers of 32 bits. Those of larger images don't
+/// all have: GRIScene::round gives the same for them.
+bool hasWholeNumbers(const GRIScene& scene) {
+  constexpr double LARGEST = std::numeric_limits<gr_int32>::max();
+  return scene.getLowerRightCol() < LARGEST + 0.5 && scene.getLowerRightRow() < LARGEST + 0.5;
+}
+
+}  // namespace
 
 GRIImageStage::~GRIImageStage() = default;
 
@@ -61,6 +73,7 @@ GR_STATUS GRIImageStage::checkScene(const GRIScene& scene) const {
   GRINavigator clipped(*this, scene);
   if (!GR_SUCCESS(clipped.setScene(scene, GRI_NAVIGATOR_CLIP))) return GRI_STATUS_SCENE_EMPTY;
   const GRIScene& cut = clipped;
+  if (!hasWholeNumbers(cut)) return GRI_STATUS_SCENE_TOO_LARGE;
   if (cut == scene) return GR_STATUS_OK;
   GRINavigator given(*this, scene);
   given.roundScene();

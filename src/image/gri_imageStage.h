@@ -31,8 +31,9 @@ class GRIImageStage : public GRIImage {
   virtual GRIInterruptDelegate* getInterruptDelegate() const = 0;
 
   /// Starts a decode: tests the scene, cuts it into strips, and runs decodeBegin.
-  /// @return 0; 50015, 50013 or 50014 for a scene that the image can't serve; 50003 for a strip
-  ///         height of 0; 8; the status of decodeBegin or of a delegate
+  /// @return 0; 50015, 50013 or 50014 for a scene that the image can't serve; 50012 for one that
+  ///         reaches past column or row 0x7FFFFFFF; 50003 for a strip height of 0 or more than
+  ///         0x7FFFFFFF; 8; the status of decodeBegin or of a delegate
   virtual GR_STATUS readBegin(const GRIScene& scene);
   /// Decodes one strip into the window of `buffer`.
   /// @return 0; the status of decodeStrip or of a delegate

@@ -105,10 +105,18 @@ TEST_F(GRIImageStageTest, FollowsTheStripHeightThatIsSet) {
   EXPECT_THAT(log, ElementsAre("begin", "strip 7+100", "strip 107+50", "end"));
 }
 
-TEST_F(GRIImageStageTest, AStripHeightOfZeroIsAStatus) {
-  ASSERT_EQ(reader().setStripHeight(0), GR_STATUS_OK);
-  EXPECT_EQ(read(rows(10)), GRI_STATUS_INVALID_ARGUMENT);
+TEST_F(GRIImageStageTest, AStripHeightOfZeroOrOfMoreThan31BitsIsAStatus) {
+  for (const gr_uint32 height : {0u, 0x80000000u, 0xFFFFFFFFu}) {
+    ASSERT_EQ(reader().setStripHeight(height), GR_STATUS_OK);
+    EXPECT_EQ(read(rows(10)), GRI_STATUS_INVALID_ARGUMENT) << height;
+  }
   EXPECT_THAT(log, IsEmpty());
+}
+
+TEST_F(GRIImageStageTest, AStripMayBeHigherThanAnyScene) {
+  ASSERT_EQ(reader().setStripHeight(0x7FFFFFFF), GR_STATUS_OK);
+  EXPECT_EQ(read(rows(200)), GR_STATUS_OK);
+  EXPECT_THAT(log, ElementsAre("begin", "strip 0+200", "end"));
 }
 
 TEST_F(GRIImageStageTest, AMagnificationOutOfRangeFailsBeforeTheStageHearsOfIt) {
@@ -180,6 +188,25 @@ TEST(GRIImageStageLimitsTest, AStripOfAMultipleOf4GiSamplesIsTooLarge) {
   GRISceneBuffer buffer(gray(), 65536, 65536, &plane);
   EXPECT_EQ(reader->read(GRIScene(0, 0, 65536, 65536, 1.0), buffer), GRI_STATUS_SCENE_TOO_LARGE);
   EXPECT_THAT(log, ElementsAre("begin", "end"));
+}
+
+TEST(GRIImageStageLimitsTest, PixelsWithoutA32BitNumberAreOutOfReach) {
+  GRICallLog log;
+  const GRUtilSmartPointer<GRIPatternReader> reader(new GRIPatternReader);
+  ASSERT_EQ(reader->initialize(0xFFFFFFFF, 0xFFFFFFFF, gray()), GR_STATUS_OK);
+  reader->logTo(log);
+  Target target(10, 10);
+  const auto read = [&](double column, double row) {
+    return reader->read(GRIScene(column, row, 10, 10, 1.0), target.buffer);
+  };
+  constexpr double END = 0x7FFFFFFF;
+  for (const double outside : {END - 9, END, 3e9}) {
+    EXPECT_EQ(read(outside, 0), GRI_STATUS_SCENE_TOO_LARGE) << outside;
+    EXPECT_EQ(read(0, outside), GRI_STATUS_SCENE_TOO_LARGE) << outside;
+  }
+  EXPECT_THAT(log, IsEmpty());
+  ASSERT_EQ(read(END - 10, END - 10), GR_STATUS_OK);
+  EXPECT_EQ(target.at(9, 9), GRIPatternReader::valueAt<gr_uint8>(0x7FFFFFFE, 0x7FFFFFFE, 0));
 }
 
 TEST_F(GRIImageStageTest, AFailedBeginEndsTheReadWithoutAnEnd) {

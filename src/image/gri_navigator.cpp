@@ -160,8 +160,6 @@ GR_STATUS GRINavigator::setSceneAsGeoULWH(double x, double y, double width, doub
 GR_STATUS GRINavigator::setSceneAsGeoULLR(double ulx, double uly, double lrx, double lry,
                                           double mag) {
   const GRIGeoCoord& geo = m_image->getGeoCoord();
-  assert(geo.getXRot() == 0.0);
-  assert(geo.getYRot() == 0.0);
   double left = 0.0;
   double top = 0.0;
   double right = 0.0;

@@ -46,11 +46,12 @@ class GRINavigator : public GRIScene {
 
   /// The ground coordinate of the scene, as if it were an image of its own.
   void getGeoCoord(GRIGeoCoord& geoCoord) const;
-  // By ground coordinates, of an image without rotation. @return 0; 1 when its map can't be
-  // inverted
+  // By ground coordinates. @return 0; 1 when the image's map can't be inverted
+  /// Of an image without rotation.
   GR_STATUS setSceneAsGeoULWH(double x, double y, double width, double height, double mag);
+  /// By the pixels of both corners, the lower right one included.
   GR_STATUS setSceneAsGeoULLR(double ulx, double uly, double lrx, double lry, double mag);
-  /// Takes north to be up.
+  /// Of an image without rotation; takes north to be up.
   GR_STATUS setSceneAsGeoCWH(double cx, double cy, double width, double height, double mag);
 
  private:

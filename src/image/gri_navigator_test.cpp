@@ -181,6 +181,27 @@ TEST_F(GRINavigatorTest, ScenesOnTheGroundBecomeScenesOfTheImage) {
   expectScene(navigator, {5, 5, 10, 10, 0.5});
 }
 
+TEST_F(GRINavigatorTest, CornersOnTheGroundAreFoundInARotatedImage) {
+  ASSERT_EQ(image().setGeoCoord(GRIGeoCoord(0, 0, 2, -2, 1, 1)), GR_STATUS_OK);
+  GRINavigator navigator = whole();
+  // Pixels (5, 6) and (9, 12), by 2 col + row and col - 2 row.
+  EXPECT_EQ(navigator.setSceneAsGeoULLR(16, -7, 30, -15, 1.0), GR_STATUS_OK);
+  EXPECT_DOUBLE_EQ(navigator.getUpperLeftCol(), 5.0);
+  EXPECT_DOUBLE_EQ(navigator.getUpperLeftRow(), 6.0);
+  EXPECT_DOUBLE_EQ(navigator.getWidth(), 5.0);
+  EXPECT_DOUBLE_EQ(navigator.getHeight(), 7.0);
+}
+
+#ifndef NDEBUG
+TEST_F(GRINavigatorTest, ASizeOnTheGroundNeedsAnImageWithoutRotation) {
+  GRINavigator navigator = whole();
+  ASSERT_EQ(image().setGeoCoord(GRIGeoCoord(0, 0, 2, -2, 1, 0)), GR_STATUS_OK);
+  EXPECT_DEATH(navigator.setSceneAsGeoULWH(0, 0, 1, 1, 1.0), "geo.getXRot\\(\\) == 0.0");
+  ASSERT_EQ(image().setGeoCoord(GRIGeoCoord(0, 0, 2, -2, 0, 1)), GR_STATUS_OK);
+  EXPECT_DEATH(navigator.setSceneAsGeoULWH(0, 0, 1, 1, 1.0), "geo.getYRot\\(\\) == 0.0");
+}
+#endif
+
 TEST_F(GRINavigatorTest, AMapThatCannotBeInvertedGivesOne) {
   ASSERT_EQ(image().setGeoCoord(GRIGeoCoord(0, 0, 0, -1, 0, 0)), GR_STATUS_OK);
   GRINavigator navigator = whole();

@@ -85,11 +85,12 @@ void GRIScene::getSize(gr_int32& numCols, gr_int32& numRows) const {
 }
 
 GRIScene GRIScene::clip(double width, double height) const {
-  GRIScene clipped = *this;
-  clipped.m_column = std::clamp(m_column, 0.0, width);
-  clipped.m_row = std::clamp(m_row, 0.0, height);
   // In this order, no number becomes 0.
-  clipped.m_width = std::max(0.0, std::clamp(getLowerRightCol(), 0.0, width) - clipped.m_column);
-  clipped.m_height = std::max(0.0, std::clamp(getLowerRightRow(), 0.0, height) - clipped.m_row);
+  const auto cut = [](double edge, double end) { return std::max(0.0, std::min(edge, end)); };
+  GRIScene clipped = *this;
+  clipped.m_column = cut(m_column, width);
+  clipped.m_row = cut(m_row, height);
+  clipped.m_width = std::max(0.0, cut(getLowerRightCol(), width) - clipped.m_column);
+  clipped.m_height = std::max(0.0, cut(getLowerRightRow(), height) - clipped.m_row);
   return clipped;
 }

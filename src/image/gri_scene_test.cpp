@@ -122,6 +122,13 @@ TEST(GRISceneTest, AClipOfWhatLiesOutsideHasNoSize) {
   }
 }
 
+TEST(GRISceneTest, AClipToNothingOrOfInfinityIsAScene) {
+  const GRIScene nothing = GRIScene(1, 1, 4, 4, 1.0).clip(-3, NOT_A_NUMBER);
+  EXPECT_EQ(nothing.getWidth(), 0.0);
+  EXPECT_GE(nothing.getHeight(), 0.0);
+  EXPECT_TRUE(GRIScene(-1e300, 0, INF, INF, 1.0).clip(10, 11) == GRIScene(0, 0, 10, 11, 1.0));
+}
+
 #ifndef NDEBUG
 TEST(GRISceneDeathTest, RefusesNegativeSizesAndMagnificationsNotAboveZero) {
   EXPECT_DEATH(GRIScene(0, 0, -1, 1, 1), "width");
