@@ -2,9 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <limits>
 #include <sstream>
 #include <string>
 
@@ -12,6 +15,7 @@
 #include "gr_lib_utils/include/gr_ioStreamUtils.h"
 #include "gr_lib_utils/include/gr_status.h"
 #include "image/gri_scene.h"
+#include "tests/support/gri_commaLocale.h"
 
 namespace {
 
@@ -139,6 +143,57 @@ TEST(GRIWorldFileTest, EndsAtItsFirstZeroByte) {
   GRIGeoCoord geo;
   EXPECT_EQ(readText(geo, "1 2 3 4 5\0 6"s), GRI_STATUS_READ_ERROR);
   EXPECT_EQ(readText(geo, "1 2 3 4 5 6\0 7"s), GR_STATUS_OK);
+}
+
+TEST(GRIWorldFileTest, HasPointsWhateverTheLocale) {
+  const GRICommaLocale locale;
+  if (!locale.isSet()) GTEST_SKIP() << "needs localedef";
+  ASSERT_EQ(std::strtod("1,5", nullptr), 1.5);
+  GRIGeoCoord geo;
+  ASSERT_EQ(readText(geo, "0.5\n0.125\n0.0625\n-0.25\n1000\n2000.0\n"), GR_STATUS_OK);
+  EXPECT_TRUE(geo == GEO);
+  EXPECT_EQ(readText(geo, "0,5\n0,125\n0,0625\n-0,25\n1000\n2000\n"), GRI_STATUS_READ_ERROR);
+  const Folder folder;
+  ASSERT_EQ(GEO.writeWorldFile(GRFileSpec((folder / "a.tfw").c_str()), false), GR_STATUS_OK);
+  std::string line;
+  std::getline(std::ifstream(folder / "a.tfw"), line);
+  EXPECT_EQ(line, "0.500000000000000");
+}
+
+TEST(GRIWorldFileTest, LinesMayBeLong) {
+  constexpr size_t MIB = 1 << 20;
+  GRIGeoCoord geo;
+  const std::string digits = "0." + std::string(MIB, '3');
+  ASSERT_EQ(readText(geo, digits + std::string(MIB, ' ') + " 2 3 4 5 6" + std::string(MIB, 'x')),
+            GR_STATUS_OK);
+  EXPECT_DOUBLE_EQ(geo.getXResolution(), 1.0 / 3);
+  EXPECT_EQ(geo.getYOrigin(), 6.0);
+  EXPECT_EQ(readText(geo, std::string(MIB, '\n')), GRI_STATUS_READ_ERROR);
+  EXPECT_EQ(readText(geo, std::string(MIB, '-')), GRI_STATUS_READ_ERROR);
+  EXPECT_EQ(readText(geo, std::string(MIB, '\0')), GRI_STATUS_READ_ERROR);
+}
+
+TEST(GRIWorldFileTest, NumbersThatAreNoneOrTooLargeAreStored) {
+  GRIGeoCoord geo;
+  ASSERT_EQ(readText(geo, "nan inf -inf 0 1e400 -1e400"), GR_STATUS_OK);
+  EXPECT_TRUE(std::isnan(geo.getXResolution()));
+  EXPECT_EQ(geo.getYResolution(), 0.0);
+  EXPECT_EQ(geo.getXOrigin(), HUGE_VAL);
+  EXPECT_EQ(geo.getYOrigin(), -HUGE_VAL);
+}
+
+TEST(GRIWorldFileTest, TheLargestNumbersCanBeWritten) {
+  const Folder folder;
+  const GRFileSpec path((folder / "a.tfw").c_str());
+  const double most = std::numeric_limits<double>::max();
+  const GRIGeoCoord large(-most, most, -most, most, -most, -HUGE_VAL);
+  ASSERT_EQ(large.writeWorldFile(path, false), GR_STATUS_OK);
+  GRIGeoCoord geo;
+  bool found = false;
+  ASSERT_EQ(geo.readWorldFile(path, false, found), GR_STATUS_OK);
+  EXPECT_EQ(geo.getXOrigin(), -most);
+  EXPECT_EQ(geo.getYResolution(), most);
+  EXPECT_EQ(geo.getYRot(), -HUGE_VAL);
 }
 
 /// A stream that claims to be long and has nothing.
