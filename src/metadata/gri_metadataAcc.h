@@ -86,9 +86,11 @@ class GRIMetadataAccConst {
   [[nodiscard]] GR_STATUS getNoDither(bool& noDither) const;
 
   /// Takes colour space, data type and precision of `pixel` from the records, as far as they are
-  /// there. The band count stays: a colour space of another band count isn't taken.
-  /// @return 0; 50507 for a record of another type or shape, and then the pixel is as it was; 50601
-  ///         for a colour space of another band count, after the rest was taken; 8 for memory
+  /// there and count: the dynamic range where no bits per sample are, and for FLOAT32 in place of
+  /// them. The band count stays: a colour space of another band count isn't taken.
+  /// @return 0; 50507 for one of these records of another type or shape, and then the pixel is as
+  ///         it was; 50601 for a colour space of another band count, after the rest was taken; 8
+  ///         for memory
   [[nodiscard]] GR_STATUS getPixelProps(GRIPixel& pixel) const;
 
   /// The dynamic range, from its window and level.

@@ -85,6 +85,26 @@ bool canHavePrecision(const GRIPixel& pixel, gr_uint32 bits) {
 /// Whether a window can be one: a number of steps that 32 bits can count. A NaN isn't.
 bool isWindow(double window) { return window >= 1.0 && window <= 4294967296.0; }
 
+/// The significant bits of each sample, from the record that says so or, where that isn't there
+/// and for floats, from the dynamic range.
+/// @param precision  0 where the records don't tell
+GR_STATUS readPrecision(const GRIMetadataAccConst& acc, bool isFloat, gr_uint32& precision) {
+  precision = 0;
+  bool isFound = false;
+  if (!isFloat) {
+    gr_uint16 bits = 0;
+    GR_RETURN_IF_FAILED(getOptional(acc, GRI_TAG_IMAGE_BITS_PER_SAMPLE, bits, isFound));
+    precision = bits;
+  }
+  if (isFound || !acc.database().has(GRI_TAG_IMAGE_DYNAMIC_RANGE_LEVEL)) return GR_STATUS_OK;
+  double window = 0.0;
+  GR_RETURN_IF_FAILED(getOptional(acc, GRI_TAG_IMAGE_DYNAMIC_RANGE_WINDOW, window, isFound));
+  if (isFound && isWindow(window)) {
+    precision = static_cast<gr_uint32>(std::bit_width(static_cast<gr_uint64>(window) - 1));
+  }
+  return GR_STATUS_OK;
+}
+
 GRIColorSpace colorSpaceOfTable(gr_uint16 numBands) {
   switch (numBands) {
     case 1:
@@ -110,14 +130,9 @@ gr_int32 backgroundTag(const GRIPixel& pixel) {
 GR_STATUS GRIMetadataAccConst::getPixelProps(GRIPixel& pixel) const {
   // Everything is read before anything changes.
   gr_uint32 scheme = 0, type = 0;
-  gr_uint16 bits = 0;
-  double window = 0.0;
-  bool hasScheme = false, hasType = false, hasBits = false, hasWindow = false;
+  bool hasScheme = false, hasType = false;
   GR_RETURN_IF_FAILED(getOptional(*this, GRI_TAG_IMAGE_COLOR_SCHEME, scheme, hasScheme));
   GR_RETURN_IF_FAILED(getOptional(*this, GRI_TAG_IMAGE_DATA_TYPE, type, hasType));
-  GR_RETURN_IF_FAILED(getOptional(*this, GRI_TAG_IMAGE_BITS_PER_SAMPLE, bits, hasBits));
-  GR_RETURN_IF_FAILED(getOptional(*this, GRI_TAG_IMAGE_DYNAMIC_RANGE_WINDOW, window, hasWindow));
-
   GRIColorSpace colorSpace = GRI_COLORSPACE_INVALID;
   GRIDataType dataType = GRI_DATATYPE_INVALID;
   for (const ColorScheme& row : COLOR_SCHEMES) {
@@ -126,6 +141,10 @@ GR_STATUS GRIMetadataAccConst::getPixelProps(GRIPixel& pixel) const {
   for (const StoredDataType& row : DATA_TYPES) {
     if (hasType && row.stored == type) dataType = row.dataType;
   }
+  const bool isFloat =
+      (dataType == GRI_DATATYPE_INVALID ? pixel.getDataType() : dataType) == GRI_DATATYPE_FLOAT32;
+  gr_uint32 precision = 0;
+  GR_RETURN_IF_FAILED(readPrecision(*this, isFloat, precision));
   GR_STATUS result = GR_STATUS_OK;
   if (colorSpace != GRI_COLORSPACE_INVALID &&
       !GRIPixel::fits(colorSpace, pixel.getNumBands(), GRI_DATATYPE_UINT8)) {
@@ -134,13 +153,6 @@ GR_STATUS GRIMetadataAccConst::getPixelProps(GRIPixel& pixel) const {
   }
   if (colorSpace != GRI_COLORSPACE_INVALID || dataType != GRI_DATATYPE_INVALID) {
     GR_RETURN_IF_FAILED(rebuild(pixel, colorSpace, dataType));
-  }
-
-  gr_uint32 precision = 0;
-  if (hasBits && pixel.getDataType() != GRI_DATATYPE_FLOAT32) {
-    precision = bits;
-  } else if (hasWindow && database().has(GRI_TAG_IMAGE_DYNAMIC_RANGE_LEVEL) && isWindow(window)) {
-    precision = static_cast<gr_uint32>(std::bit_width(static_cast<gr_uint64>(window) - 1));
   }
   if (canHavePrecision(pixel, precision)) pixel.setPrecision(precision);
   return result;

@@ -161,6 +161,28 @@ TEST_F(GRIMetadataPixelTest, BitsComeBeforeTheWindowExceptForFloats) {
   EXPECT_EQ(precisionOfWindow(4096, GRI_DATATYPE_FLOAT32), 12u);
 }
 
+TEST_F(GRIMetadataPixelTest, RecordsThatDoNotCountMayHaveAnyForm) {
+  GRIPixel pixel = grayOf(GRI_DATATYPE_UINT16), real = grayOf(GRI_DATATYPE_FLOAT32);
+  // Bits come first, so that nobody asks for the window.
+  ASSERT_EQ(acc.setTagScalar(GRI_TAG_IMAGE_BITS_PER_SAMPLE, gr_uint16{11}), GR_STATUS_OK);
+  ASSERT_EQ(acc.setTagScalar(GRI_TAG_IMAGE_DYNAMIC_RANGE_WINDOW, "256"), GR_STATUS_OK);
+  ASSERT_EQ(acc.setTagScalar(GRI_TAG_IMAGE_DYNAMIC_RANGE_LEVEL, "128"), GR_STATUS_OK);
+  EXPECT_EQ(acc.getPixelProps(pixel), GR_STATUS_OK);
+  EXPECT_EQ(pixel.getSample(0).getPrecision(), 11u);
+  EXPECT_EQ(acc.getPixelProps(real), GRI_STATUS_TAG_BAD_FORMAT);
+  // A window without a level isn't a range.
+  acc.removeTag(GRI_TAG_IMAGE_DYNAMIC_RANGE_LEVEL);
+  EXPECT_EQ(acc.getPixelProps(real), GR_STATUS_OK);
+  // Floats have no bits, whether the image was one or becomes one.
+  acc.removePixelProps();
+  ASSERT_EQ(acc.setTagScalar(GRI_TAG_IMAGE_BITS_PER_SAMPLE, 11.0), GR_STATUS_OK);
+  EXPECT_EQ(acc.getPixelProps(real), GR_STATUS_OK);
+  EXPECT_EQ(acc.getPixelProps(pixel), GRI_STATUS_TAG_BAD_FORMAT);
+  ASSERT_EQ(acc.setTagScalar(GRI_TAG_IMAGE_DATA_TYPE, gr_uint32{1}), GR_STATUS_OK);
+  EXPECT_EQ(acc.getPixelProps(pixel), GR_STATUS_OK);
+  EXPECT_TRUE(pixel == grayOf(GRI_DATATYPE_FLOAT32));
+}
+
 // --- Dynamic range -----------------------------------------------------------------------------
 
 TEST_F(GRIMetadataPixelTest, ARangeIsStoredAsWindowAndLevelAndComesBack) {
