@@ -60,14 +60,12 @@ GR_STATUS GRIMosaicMetadata::append(std::string_view text) {
 
 GR_STATUS GRIMosaicMetadata::writeTo(GRIMetadataDatabase& records, gr_uint32 numImages) const {
   GRIMetadataAcc access(records);
-  if (m_hasNames) {
-    access.removeTag(GRI_TAG_IMAGE_INPUT_NAME);
-    GR_RETURN_IF_FAILED(access.setInputName(m_names.data()));
-  }
-  if (m_hasFileSize) {
-    access.removeTag(GRI_TAG_IMAGE_INPUT_FILE_SIZE);
-    GR_RETURN_IF_FAILED(access.setInputFileSize(m_fileSize));
-  }
+  if (m_hasNames) access.removeTag(GRI_TAG_IMAGE_INPUT_NAME);
+  if (m_hasFileSize) access.removeTag(GRI_TAG_IMAGE_INPUT_FILE_SIZE);
   access.removeTag(GRIMosaicFilter::NUM_TILES_TAG);
+  records.closeGaps();  // a host walks them by their numbers
+
+  if (m_hasNames) GR_RETURN_IF_FAILED(access.setInputName(m_names.data()));
+  if (m_hasFileSize) GR_RETURN_IF_FAILED(access.setInputFileSize(m_fileSize));
   return access.setTagScalar(GRIMosaicFilter::NUM_TILES_TAG, numImages);
 }
