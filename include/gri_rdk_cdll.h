@@ -443,10 +443,11 @@ GRI_EXPORT GR_STATUS gric_setTesraPassword(gric_image image, const char* passwor
  *                  gric_getDataType, row after row without padding; the caller's before and after.
  *                  Bands are not interleaved
  * @return 0; 52001 when `image`, `bandData` or one of its pointers is null; 50012 when the
- *         rectangle rounds to no column, or is so wide that the samples of a strip are a multiple
- *         of 2^32; 50013 when it is empty or wholly outside of the image, 50014 when it reaches out
- *         of it, 50015 when the magnification is out of range; 8 for memory; else the status of the
- *         stage that failed, and then the buffers may be partly written
+ *         rectangle rounds to no column, reaches past column or row 2^31 - 1, or is so wide that
+ *         the samples of a strip are a multiple of 2^32; 50013 when it is empty or wholly outside
+ *         of the image, 50014 when it reaches out of it, 50015 when the magnification is out of
+ *         range; 8 for memory; else the status of the stage that failed, and then the buffers may
+ *         be partly written
  *
  * Works in strips: the memory used doesn't grow with the height of the rectangle. Runs on the
  * calling thread. One image serves one thread at a time.
