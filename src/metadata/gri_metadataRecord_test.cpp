@@ -37,6 +37,14 @@ TEST(GRIMetadataRecordTest, OneDimensionOfExtent1IsAScalarAndAVector) {
   EXPECT_EQ(*static_cast<const gr_uint16*>(record.getScalarData()), 7);
 }
 
+TEST(GRIMetadataRecordTest, OneDimensionOfAnotherExtentIsAVectorAlone) {
+  for (const gr_uint32 extent : {0u, 2u}) {
+    const GRIMetadataRecord record = recordOf(GRI_METADATA_DATATYPE_UINT16, {extent}, nullptr);
+    EXPECT_FALSE(record.isScalar());
+    EXPECT_TRUE(record.isVector());
+  }
+}
+
 TEST(GRIMetadataRecordTest, TwoDimensionsAreNeitherScalarNorVectorAndHaveTheirProductOfElements) {
   const double values[6] = {1, 2, 3, 4, 5, 6};
   const GRIMetadataRecord record = recordOf(GRI_METADATA_DATATYPE_FLOAT64, {2, 3}, values);
