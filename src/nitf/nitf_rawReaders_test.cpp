@@ -136,10 +136,10 @@ TEST_F(NITFRawReadersTest, AnyRectangleIsDecodedExactly) {
 TEST_F(NITFRawReadersTest, LinesThatAreLongerThanTheBuffersAreDecodedExactly) {
   for (const char mode : {'B', 'P', 'R', 'S'}) {
     SCOPED_TRACE(mode);
-    // A line of a block is 9999 * 2 bytes, with all bands 320 kB.
+    // A line of a block is 9999 * 2 bytes, with all bands 340 kB.
     const NITFTestPixels pixels = {.numCols = 12000,
                                    .numRows = 3,
-                                   .numBands = 16,
+                                   .numBands = 17,
                                    .sampleBytes = 2,
                                    .mode = mode,
                                    .blockCols = 9999,
@@ -245,6 +245,28 @@ TEST_F(NITFRawReadersTest, EntriesThatPointBehindTheDataFailTheDecode) {
     NITFBands bands;
     EXPECT_EQ(decode(bands), NITF_STATUS_READ_ERROR);
     expectRectangle(pixels, 0, 4, 8, 4);
+  }
+}
+
+TEST_F(NITFRawReadersTest, EntriesMayPointToAnyPlaceInTheData) {
+  const NITFTestPixels pixels = {.numCols = 8, .numRows = 8, .blockCols = 4, .blockRows = 4};
+  const std::string data = pixels.allBlocks();
+  // Out of order, overlapping, twice the same, and the last place of all.
+  const std::string places = {33, 7, 7, 48};
+  NITFTestSegment segment = nitfTestMaskedImage(NITF_TEST_21, pixels, {});
+  for (size_t i = 0; i < 4; ++i) segment.data[10 + 4 * i + 3] = places[i];
+  for (const gr_uint64 cacheBytes : {NITFRawBlockReader::CACHE_BYTES, gr_uint64{10}}) {
+    ASSERT_EQ(openImage(segment), GR_STATUS_OK);
+    blockReader().setCacheBytes(cacheBytes);
+    NITFBands bands;
+    ASSERT_EQ(decode(bands), GR_STATUS_OK);
+    for (size_t row = 0; row < 8; ++row) {
+      for (size_t col = 0; col < 8; ++col) {
+        const auto block = static_cast<size_t>(places[row / 4 * 2 + col / 4]);
+        EXPECT_EQ(bands[0][row * 8 + col],
+                  static_cast<gr_uint8>(data[block + row % 4 * 4 + col % 4]));
+      }
+    }
   }
 }
 

@@ -60,6 +60,24 @@ class NITFFileTest : public testing::Test {
   GR_STATUS decode(NITFBands& bands) {
     return decode(*m_reader, 0, 0, m_reader->getWidth(), m_reader->getHeight(), bands);
   }
+  /// Opens a file and decodes parts of all its images, as far as that goes.
+  /// @return the statuses of opening the file, of each reader, and of each part
+  std::vector<GR_STATUS> openAndDecodeParts(const std::string& name) {
+    std::vector<GR_STATUS> statuses = {openFile(name)};
+    if (!GR_SUCCESS(statuses[0])) return statuses;
+    for (gr_uint32 number = 1; number <= m_manager->getNumImages(); ++number) {
+      NITFReaderPointer reader;
+      statuses.push_back(m_manager->createReader(reader, number));
+      if (!GR_SUCCESS(statuses.back())) continue;
+      const gr_uint32 numCols = std::min(reader->getWidth(), 64U);
+      const gr_uint32 numRows = std::min(reader->getHeight(), 64U);
+      NITFBands bands;
+      statuses.push_back(decode(*reader, 0, 0, numCols, numRows, bands));
+      statuses.push_back(
+          decode(*reader, reader->getWidth() - 1, reader->getHeight() - 1, 1, 1, bands));
+    }
+    return statuses;
+  }
   /// Holds the decoded image equal to the pixels that were written.
   void expectPixels(const NITFTestPixels& pixels) {
     NITFBands bands;

@@ -131,6 +131,12 @@ const std::string& NITFTestFields::get(const std::string& name) const {
   return const_cast<NITFTestFields*>(this)->find(name)->second;
 }
 
+std::vector<std::string> NITFTestFields::names() const {
+  std::vector<std::string> names;
+  for (const Field& field : m_fields) names.push_back(field.first);
+  return names;
+}
+
 std::string NITFTestFields::bytes() const {
   std::string all;
   for (const Field& field : m_fields) all += field.second;
@@ -381,7 +387,7 @@ NITFTestFile::NITFTestFile(std::string fileVersion) : version(std::move(fileVers
   nitfTestAddArea(areas, "XHDL", "");
 }
 
-std::string NITFTestFile::bytes() const {
+NITFTestFields NITFTestFile::lengths() const {
   NITFTestFields lengths;
   lengths.addNumber("FL", 0, 12);
   lengths.addNumber("HL", 0, 6);
@@ -391,19 +397,42 @@ std::string NITFTestFile::bytes() const {
   addTable(lengths, "NUMT", "LTSH", 4, "LT", 5, texts);
   addTable(lengths, "NUMDES", "LDSH", 4, "LD", 9, data);
   addTable(lengths, "NUMRES", "LRESH", 4, "LRE", 7, reserved);
-  std::string body;
-  for (const auto* const list : {&images, &graphics, &labels, &texts, &data, &reserved}) {
-    for (const NITFTestSegment& segment : *list) body += segment.header.bytes() + segment.data;
-  }
   const size_t headerLength = header.bytes().size() + lengths.bytes().size() + areas.bytes().size();
   lengths.set("HL", headerLength);
-  lengths.set("FL", headerLength + body.size());
+  lengths.set("FL", headerLength + body().size());
   for (const auto& [name, value] : lies) lengths.set(name, value);
-  return header.bytes() + lengths.bytes() + areas.bytes() + body;
+  return lengths;
+}
+
+std::string NITFTestFile::body() const {
+  std::string bytes;
+  for (const auto* const list : {&images, &graphics, &labels, &texts, &data, &reserved}) {
+    for (const NITFTestSegment& segment : *list) bytes += segment.header.bytes() + segment.data;
+  }
+  return bytes;
+}
+
+std::string NITFTestFile::bytes() const {
+  return header.bytes() + lengths().bytes() + areas.bytes() + body();
 }
 
 NITFTestFile nitfTestFileOf(const NITFTestSegment& image, const std::string& version) {
   NITFTestFile file(version);
   file.images.push_back(image);
+  return file;
+}
+
+NITFTestFile nitfTestFileOfEverything(const std::string& version) {
+  NITFTestFile file(version);
+  const NITFTestPixels pixels = {
+      .numCols = 6, .numRows = 5, .numBands = 2, .blockCols = 4, .blockRows = 4};
+  file.images = {
+      nitfTestMaskedImage(version, pixels, {.absent = {1}, .padCode = "\x07", .hasPadTable = true}),
+      nitfTestImage(version, {.numCols = 3, .numRows = 2})};
+  file.graphics = {nitfTestGraphic(version)};
+  file.labels = {nitfTestLabel(version, "label")};
+  file.texts = {nitfTestText(version, "text")};
+  file.data = {nitfTestData(version, "TRE_OVERFLOW")};
+  file.reserved = {nitfTestReserved(version)};
   return file;
 }

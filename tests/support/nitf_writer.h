@@ -25,6 +25,7 @@ class NITFTestFields {
   NITFTestFields& set(const std::string& name, gr_uint64 value);
   NITFTestFields& remove(const std::string& name);
   const std::string& get(const std::string& name) const;
+  std::vector<std::string> names() const;
   std::string bytes() const;
 
  private:
@@ -115,9 +116,16 @@ struct NITFTestFile {
   /// Fields of lengths and counts (FL, HL, NUMI, LISH001, LI001 ...) that say something else.
   std::vector<std::pair<std::string, std::string>> lies;
 
+  /// FL, HL and the tables, as they follow from the segments, and with the lies.
+  NITFTestFields lengths() const;
   std::string bytes() const;
+
+ private:
+  std::string body() const;  // all segments
 };
 
 /// A file of one image.
 NITFTestFile nitfTestFileOf(const NITFTestSegment& image,
                             const std::string& version = NITF_TEST_21);
+/// A small file with segments of all kinds, a masked image among them.
+NITFTestFile nitfTestFileOfEverything(const std::string& version);
