@@ -48,6 +48,8 @@ TEST_F(StatusFunctionsTest, OverwriteTheTextOfTheLastCall) {
   const char* const second = getLastStatusString(0);
   EXPECT_EQ(first, second);
   EXPECT_STREQ(first, "Success [0]");
+  EXPECT_STREQ(getRawStatusString(1), "Failure");
+  EXPECT_STREQ(first, "Failure [1]");
 }
 
 }  // namespace

@@ -16,12 +16,13 @@ struct GRStatusRow {
 std::span<const GRStatusRow> gr_statusTable();
 
 /// The message of a status as the table has it, "unknown status" for a number without a row.
+/// Overwrites what gr_lastStatusString gave.
 const char* gr_rawStatusString(GR_STATUS status);
 
 /// The message of a status with the details that were pushed for it (see GRUtilStatusData), which
 /// are used up, and its number behind: "can't open file: x.tsr [50613]". Where they should be there
 /// and aren't: "error retrieving status string (3070) [50613]".
-/// @return text of at most 4095 characters, in one buffer that the next call overwrites
+/// @return text of at most 4095 characters, in one buffer that the next call of either overwrites
 const char* gr_lastStatusString(GR_STATUS status);
 
 /// Fills the placeholders of `message` from the frame that was pushed for `status`.

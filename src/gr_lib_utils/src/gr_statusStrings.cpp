@@ -1,5 +1,6 @@
 #include "gr_lib_utils/include/gr_statusStrings.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <cstring>
@@ -79,14 +80,29 @@ void appendRecord(BoundedText& text, char placeholder) {
   text.append(FAILED_POP);
 }
 
-}  // namespace
-
-const char* gr_rawStatusString(GR_STATUS status) {
+/// The first row of the number counts.
+const char* messageOf(GR_STATUS status) {
   for (const GRStatusRow& row : gr_statusTable()) {
     if (row.status == status) return row.message;
   }
   return "unknown status";
 }
+
+/// Puts a text and the number behind it into the one buffer that callers look into. The number
+/// always has its place; a long text is cut before it.
+const char* giveOut(const char* text, GR_STATUS status) {
+  static std::array<char, MESSAGE_BYTES> buffer;
+  std::array<char, 16> number{};
+  const int numberLength =
+      std::snprintf(number.data(), number.size(), " [%d]", static_cast<gr_int32>(status));
+  const size_t room = buffer.size() - 1 - static_cast<size_t>(numberLength);
+  BoundedText all(buffer.data(), buffer.size());
+  all.append(text, std::min(std::strlen(text), room));
+  all.append(number.data());
+  return buffer.data();
+}
+
+}  // namespace
 
 GR_STATUS gr_expandStatusMessage(GR_STATUS status, const char* message, char* output,
                                  size_t capacity) {
@@ -114,26 +130,20 @@ GR_STATUS gr_expandStatusMessage(GR_STATUS status, const char* message, char* ou
   return isFrameTaken ? GRUtilStatusData::popEnd() : GR_STATUS_OK;
 }
 
-const char* gr_lastStatusString(GR_STATUS status) {
-  static std::array<char, MESSAGE_BYTES> buffer;
-  std::array<char, 16> number{};
-  const int numberLength =
-      std::snprintf(number.data(), number.size(), " [%d]", static_cast<gr_int32>(status));
-  // The number always has its place; a long text is cut before it.
-  const size_t capacity = buffer.size() - static_cast<size_t>(numberLength);
+const char* gr_rawStatusString(GR_STATUS status) {
+  const char* const message = messageOf(status);
+  static_cast<void>(giveOut(message, status));  // takes the place of the last text, and isn't seen
+  return message;
+}
 
-  const char* const message = gr_rawStatusString(status);
-  if (GRUtilStatusData::exists()) {
-    const GR_STATUS result = gr_expandStatusMessage(status, message, buffer.data(), capacity);
-    if (!GR_SUCCESS(result)) {
-      static_cast<void>(std::snprintf(buffer.data(), capacity,
-                                      "error retrieving status string (%d)",
-                                      static_cast<gr_int32>(result)));
-    }
-  } else {
-    BoundedText(buffer.data(), capacity).append(message);
+const char* gr_lastStatusString(GR_STATUS status) {
+  const char* const message = messageOf(status);
+  if (!GRUtilStatusData::exists()) return giveOut(message, status);
+  std::array<char, MESSAGE_BYTES> text{};
+  const GR_STATUS result = gr_expandStatusMessage(status, message, text.data(), text.size());
+  if (!GR_SUCCESS(result)) {
+    static_cast<void>(std::snprintf(text.data(), text.size(), "error retrieving status string (%d)",
+                                    static_cast<gr_int32>(result)));
   }
-  const size_t length = std::strlen(buffer.data());
-  std::memcpy(buffer.data() + length, number.data(), static_cast<size_t>(numberLength) + 1);
-  return buffer.data();
+  return giveOut(text.data(), status);
 }
