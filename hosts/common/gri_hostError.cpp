@@ -18,6 +18,27 @@ const char* ownWords(GR_STATUS status) {
   }
 }
 
+/// The text that the library has for a status.
+template <typename Call>
+std::string textOf(const Call& call) {
+  const char* const text = gri_hostCall(call, static_cast<const char*>(nullptr));
+  return text == nullptr ? "unknown status" : text;
+}
+
+/// A message of the library's table, with a question mark for each detail.
+std::string withoutDetails(std::string_view message) {
+  constexpr std::string_view PLACEHOLDERS = "dufsF";
+  std::string text;
+  for (size_t i = 0; i < message.size(); ++i) {
+    if (message[i] != '%') {
+      text += message[i];
+    } else if (++i < message.size()) {
+      text += PLACEHOLDERS.find(message[i]) == std::string_view::npos ? message[i] : '?';
+    }
+  }
+  return text;
+}
+
 }  // namespace
 
 bool GRIHostError::isOfLock() const {
@@ -31,12 +52,13 @@ bool GRIHostError::isOfLock() const {
 GRIHostError gri_hostErrorOf(GR_STATUS status) {
   if (status == GRIC_STATUS_OK) return {};
   if (const char* words = ownWords(status)) return {status, words};
-  const char* message =
-      gri_hostCall([&] { return getLastStatusString(status); }, static_cast<const char*>(nullptr));
-  std::string text = message == nullptr ? "unknown status" : message;
+  const std::string raw = textOf([&] { return getRawStatusString(status); });
+  std::string text = textOf([&] { return getLastStatusString(status); });
   // The number has a place of its own. The library prints it with a sign.
   const std::string number = " [" + std::to_string(static_cast<gr_int32>(status)) + "]";
   if (text.ends_with(number)) text.resize(text.size() - number.size());
+  // Nobody keeps details, or another failure has taken their place.
+  if (text == raw || text.starts_with("error retrieving status string")) text = withoutDetails(raw);
   return {status, text};
 }
 

@@ -27,8 +27,9 @@ struct GRIHostError {
 };
 
 /// The error of a status that the library has just returned, with the library's words; in words of
-/// our own for the few statuses that it has none for. Uses up the details of the message, so it is
-/// called once for each failure. A status of 0 gives no error.
+/// our own for the few statuses that it has none for. A "?" stands for a detail (a path, a reason)
+/// that the library hasn't kept. Uses up the details of the message, so it is called once for each
+/// failure. A status of 0 gives no error.
 GRIHostError gri_hostErrorOf(GR_STATUS status);
 
 /// Calls the library. An exception that crosses its interface (memory that runs out) ends here and

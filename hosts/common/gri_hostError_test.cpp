@@ -24,6 +24,12 @@ TEST(GRIHostErrorTest, StatusesWithoutWordsInTheLibraryGetOurs) {
   EXPECT_EQ(gri_hostErrorOf(0xFFFFFFFE).text, "unknown status");  // the library's [-2]
 }
 
+TEST(GRIHostErrorTest, DetailsThatAreMissingAreAQuestionMark) {
+  EXPECT_EQ(gri_hostErrorOf(50613).text, "can't open file: ?");
+  const GRIHostMessages messages;
+  EXPECT_EQ(gri_hostErrorOf(50613).text, "can't open file: ?");
+}
+
 TEST(GRIHostErrorTest, AnyExceptionThatCrossesTheInterfaceBecomesStatus8) {
   struct Unknown {};
   EXPECT_EQ(gri_hostStatusOf([]() -> GR_STATUS { throw Unknown(); }), 8u);

@@ -1,5 +1,6 @@
 /// @file
-/// What a picture says about itself, for programs.
+/// What a picture says about itself, for programs. Numbers that JSON hasn't (NaN, infinity) are
+/// null.
 #pragma once
 
 #include <nlohmann/json.hpp>

@@ -362,6 +362,8 @@ const char* getRawStatusString(GR_STATUS status) {
       return "requested operation not supported";
     case 50014:
       return "specified scene out of range of image";
+    case 50613:
+      return "can't open file: %F";
     case 50015:
       return "scene magnification out of range";
     case 51210:
@@ -373,8 +375,11 @@ const char* getRawStatusString(GR_STATUS status) {
 
 const char* getLastStatusString(GR_STATUS status) {
   static std::array<char, 4096> text;
-  std::snprintf(text.data(), text.size(), "%s [%d]", getRawStatusString(status),
-                static_cast<int>(status));
+  const char* message = getRawStatusString(status);
+  if (isMessagesOn && std::strchr(message, '%') != nullptr) {
+    message = "error retrieving status string (3070)";  // no failure has left details
+  }
+  std::snprintf(text.data(), text.size(), "%s [%d]", message, static_cast<int>(status));
   return text.data();
 }
 
