@@ -50,58 +50,54 @@ static GR_STATUS openImage(gric_image* image, const char* path) {
 }
 
 int main(int argc, char** argv) {
-  gric_image image = NULL;
-  GR_STATUS status;
-  double magnification, window[4] = {0, 0, 0, 0};
-  gr_uint32 width, height;
-  gr_uint16 numBands, band;
-  size_t bandBytes;
-  void** bands;
-  FILE* out = NULL;
-  int i, result = 0;
-
   if (argc != 3 && argc != 4 && (argc < 8 || argc % 2 != 0)) {
     fprintf(stderr, "usage: bench_decode IMAGE OUT [MAGNIFICATION [X Y WIDTH HEIGHT [X Y]...]]\n");
     return 2;
   }
-  status = openImage(&image, argv[1]);
+  gric_image image = NULL;
+  GR_STATUS status = openImage(&image, argv[1]);
   if (status != 0) return fail(argv[1], status);
 
-  magnification = argc > 3 ? atof(argv[3]) : 1.0;
+  const double magnification = argc > 3 ? atof(argv[3]) : 1.0;
+  double window[4] = {0, 0, 0, 0};
   if (argc >= 8) {
-    for (i = 0; i < 4; ++i) window[i] = atof(argv[4 + i]);
+    for (int i = 0; i < 4; ++i) window[i] = atof(argv[4 + i]);
   } else {
+    gr_uint32 width = 0;
+    gr_uint32 height = 0;
     status = gric_getDimsAtMag(image, magnification, &width, &height);
     if (status != 0) return fail("size", status);
     window[2] = width;
     window[3] = height;
   }
 
-  numBands = gric_getNumBands(image);
-  bandBytes = (size_t)window[2] * (size_t)window[3] * sampleBytes(gric_getDataType(image));
-  bands = (void**)calloc(numBands, sizeof(void*));
-  for (band = 0; bands != NULL && band < numBands; ++band) {
+  const gr_uint16 numBands = gric_getNumBands(image);
+  const size_t bandBytes =
+      (size_t)window[2] * (size_t)window[3] * sampleBytes(gric_getDataType(image));
+  void** bands = (void**)calloc(numBands, sizeof(void*));
+  for (gr_uint16 band = 0; bands != NULL && band < numBands; ++band) {
     bands[band] = malloc(bandBytes);
     if (bands[band] == NULL) return fail("buffers", GRIC_STATUS_NO_MEMORY);
   }
   if (bands == NULL) return fail("buffers", GRIC_STATUS_NO_MEMORY);
 
   status = gric_decode(image, window[0], window[1], window[2], window[3], magnification, bands);
-  for (i = 8; i + 1 < argc && status == 0; i += 2) {
+  for (int i = 8; i + 1 < argc && status == 0; i += 2) {
     status = gric_decode(image, atof(argv[i]), atof(argv[i + 1]), window[2], window[3],
                          magnification, bands);
   }
+  int result = 0;
   if (status != 0) {
     result = fail("decode", status);
   } else if (strcmp(argv[2], "-") != 0) {
-    out = fopen(argv[2], "wb");
-    for (band = 0; out != NULL && band < numBands; ++band) {
+    FILE* out = fopen(argv[2], "wb");
+    for (gr_uint16 band = 0; out != NULL && band < numBands; ++band) {
       if (fwrite(bands[band], 1, bandBytes, out) != bandBytes) result = 1;
     }
     if (out == NULL || fclose(out) != 0) result = 1;
     if (result != 0) fprintf(stderr, "bench_decode: can't write %s\n", argv[2]);
   }
-  for (band = 0; band < numBands; ++band) free(bands[band]);
+  for (gr_uint16 band = 0; band < numBands; ++band) free(bands[band]);
   free(bands);
   gric_closeImage(image);
   return result;

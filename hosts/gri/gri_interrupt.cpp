@@ -25,7 +25,7 @@ void removeLitter() {
   // As the kernel lays out struct linux_dirent64.
   constexpr size_t LENGTH_AT = 16;
   constexpr size_t NAME_AT = 19;
-  alignas(8) std::array<char, 4096> entries;
+  alignas(8) std::array<char, 4096> entries{};
   long count = 0;
   while ((count = ::syscall(SYS_getdents64, directory, entries.data(), entries.size())) > 0) {
     for (size_t at = 0; at < static_cast<size_t>(count);) {
