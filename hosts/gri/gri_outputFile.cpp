@@ -50,10 +50,21 @@ class Descriptor {
   int m_number;
 };
 
-/// A name without anything that could lead elsewhere: it becomes part of a temporary path.
-std::string plainName(const fs::path& path) {
-  const std::string name = path.filename().string();
-  return name.empty() || name == "." || name == ".." ? "picture" : name;
+/// Whether a path ends with the name of a file, rather than with a directory.
+bool isNamed(const fs::path& path) {
+  const fs::path name = path.filename();
+  return !name.empty() && name != "." && name != "..";
+}
+
+/// The path behind symbolic links, also where they lead to nothing yet; empty when they don't end.
+fs::path followLinks(fs::path path) {
+  constexpr int MOST_LINKS = 40;  // as many as the kernel follows
+  std::error_code failed;
+  for (int i = 0; i <= MOST_LINKS; ++i) {
+    if (!fs::is_symlink(fs::symlink_status(path, failed))) return path;
+    path = path.parent_path() / fs::read_symlink(path, failed);  // stays itself if it is absolute
+  }
+  return {};
 }
 
 }  // namespace
@@ -93,15 +104,18 @@ GRIHostError GRIOutputFile::prepare(const std::string& output, bool force) {
   m_target = output;
   if (!m_isCopied) {
     // What a link points to is replaced, not the link.
-    m_target = fs::weakly_canonical(output, failed);
-    if (failed) m_target = fs::absolute(output);
+    const fs::path followed = followLinks(output);
+    if (followed.empty() && !output.empty()) return writeError(std::strerror(ELOOP));
+    if (!isNamed(followed)) return writeError(std::strerror(ENOENT));
+    m_target = fs::weakly_canonical(followed, failed);
+    if (failed) m_target = fs::absolute(followed);
     beside = m_target.parent_path();
   }
   std::string pattern = (beside / ".gri-XXXXXX").string();
   if (mkdtemp(pattern.data()) == nullptr) return systemError();
   m_directory = pattern;
   GRIInterrupt::setLitter(pattern);
-  m_path = m_directory / (output == "-" ? "picture" : plainName(m_target));
+  m_path = m_directory / (output == "-" ? "picture" : m_target.filename());
   return {};
 }
 

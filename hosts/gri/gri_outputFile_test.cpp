@@ -91,6 +91,31 @@ TEST(GRIOutputFileTest, ALinkStaysAndWhatItPointsToIsReplaced) {
   EXPECT_EQ(read(directory / "real.png"), "new");
 }
 
+TEST(GRIOutputFileTest, ALinkThatLeadsToNothingYetStaysToo) {
+  const FakeDirectory directory;
+  std::filesystem::create_directory(directory / "there");
+  std::filesystem::create_symlink("second.png", directory / "first.png");
+  std::filesystem::create_symlink("there/real.png", directory / "second.png");
+  GRIOutputFile output;
+  ASSERT_FALSE(output.prepare(directory / "first.png", false));
+  write(output.path(), "new");
+  ASSERT_FALSE(output.commit());
+  EXPECT_TRUE(std::filesystem::is_symlink(directory / "first.png"));
+  EXPECT_EQ(read(directory / "there" / "real.png"), "new");
+  std::filesystem::create_symlink("loop.png", directory / "loop.png");
+  EXPECT_EQ(GRIOutputFile().prepare(directory / "loop.png", true).text,
+            "Too many levels of symbolic links");
+}
+
+TEST(GRIOutputFileTest, APathWithoutANameIsNoOutput) {
+  const FakeDirectory directory;
+  for (const std::string& path :
+       {std::string(), (directory / "new").string() + '/', (directory / "new").string() + "/.."}) {
+    EXPECT_EQ(GRIOutputFile().prepare(path, false).text, "No such file or directory") << path;
+  }
+  EXPECT_EQ(directory.names(), Names());
+}
+
 TEST(GRIOutputFileTest, ADeviceIsWrittenToAndNotReplaced) {
   GRIOutputFile output;
   ASSERT_FALSE(output.prepare("/dev/null", false));
