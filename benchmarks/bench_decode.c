@@ -75,13 +75,15 @@ int main(int argc, char** argv) {
   const size_t bandBytes =
       (size_t)window[2] * (size_t)window[3] * sampleBytes(gric_getDataType(image));
   void** bands = (void**)calloc(numBands, sizeof(void*));
-  for (gr_uint16 band = 0; bands != NULL && band < numBands; ++band) {
-    bands[band] = malloc(bandBytes);
-    if (bands[band] == NULL) return fail("buffers", GRIC_STATUS_NO_MEMORY);
-  }
   if (bands == NULL) return fail("buffers", GRIC_STATUS_NO_MEMORY);
+  for (gr_uint16 band = 0; band < numBands; ++band) {
+    bands[band] = malloc(bandBytes);
+    if (bands[band] == NULL) status = GRIC_STATUS_NO_MEMORY;
+  }
 
-  status = gric_decode(image, window[0], window[1], window[2], window[3], magnification, bands);
+  if (status == 0) {
+    status = gric_decode(image, window[0], window[1], window[2], window[3], magnification, bands);
+  }
   for (int i = 8; i + 1 < argc && status == 0; i += 2) {
     status = gric_decode(image, atof(argv[i]), atof(argv[i + 1]), window[2], window[3],
                          magnification, bands);
