@@ -96,6 +96,41 @@ TEST_F(GRIMetadataAccTest, AnotherTypeOrShapeGivesBadFormat) {
   EXPECT_TRUE(vector.empty());
 }
 
+TEST_F(GRIMetadataAccTest, AVectorMayBeEmptyAndIsNoScalarThen) {
+  ASSERT_EQ(acc.setTagVector("T::none", std::span<const double>()), GR_STATUS_OK);
+  ASSERT_EQ(acc.setTagVector("T::noTexts", std::span<const char* const>()), GR_STATUS_OK);
+  const double before = 7;
+  std::span<const double> values(&before, 1);
+  std::span<const char* const> texts;
+  double value = 7;
+  const char* text = "old";
+  EXPECT_EQ(acc.getTagVector("T::none", values), GR_STATUS_OK);
+  EXPECT_TRUE(values.empty());
+  EXPECT_EQ(acc.getTagVector("T::noTexts", texts), GR_STATUS_OK);
+  EXPECT_TRUE(texts.empty());
+  EXPECT_EQ(acc.getTagScalar("T::none", value), GRI_STATUS_TAG_BAD_FORMAT);
+  EXPECT_EQ(acc.getTagScalar("T::noTexts", text), GRI_STATUS_TAG_BAD_FORMAT);
+  EXPECT_EQ(value, 7.0);
+  EXPECT_STREQ(text, "old");
+}
+
+TEST_F(GRIMetadataAccTest, ANullTextIsStoredAsAnEmptyOne) {
+  ASSERT_EQ(acc.setInputName(nullptr), GR_STATUS_OK);
+  EXPECT_STREQ(scalarOf<const char*>(GRI_TAG_IMAGE_INPUT_NAME), "");
+}
+
+TEST_F(GRIMetadataAccTest, MoreElementsThanARecordCanHaveAreRefusedUnseen) {
+  const gr_uint8 one = 1;  // the rest isn't there, and nobody looks for it
+  for (const size_t count : {size_t{0x80000000}, size_t{0x100000000}, size_t{0x100000001}}) {
+    EXPECT_EQ(acc.setTagVector("T::vector", std::span<const gr_uint8>(&one, count)),
+              GRI_STATUS_METADATA_INTERNAL);
+  }
+  const std::vector<gr_uint32> shape = {0x10000, 0x10000};
+  EXPECT_EQ(acc.setTagArray<gr_uint8>("T::array", shape, std::span<const gr_uint8>(&one, 1)),
+            GRI_STATUS_METADATA_INTERNAL);
+  EXPECT_EQ(database.getIndexCount(), 0u);
+}
+
 TEST_F(GRIMetadataAccTest, SettingATagThatIsThereIsADuplicateUntilItIsRemoved) {
   ASSERT_EQ(acc.setWidth(1), GR_STATUS_OK);
   EXPECT_EQ(acc.setWidth(2), GRI_STATUS_TAG_DUPLICATE);

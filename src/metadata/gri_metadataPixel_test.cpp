@@ -287,6 +287,15 @@ TEST_F(GRIMetadataPixelTest, OnlyTheBandsThatBothHaveAreFilled) {
   EXPECT_EQ(rgb.getSample(2).getValueUint8(), 0);
 }
 
+TEST_F(GRIMetadataPixelTest, APixelRecordWithoutValuesLeavesThePixel) {
+  ASSERT_EQ(acc.setTagVector(GRI_TAG_IMAGE_TRANSPARENT_DATA_VALUE, std::span<const gr_uint8>()),
+            GR_STATUS_OK);
+  GRIPixel pixel = grayOf(GRI_DATATYPE_UINT8);
+  pixel.setAllUint8(7);
+  EXPECT_EQ(acc.getNoDataPixel(pixel), GR_STATUS_OK);
+  EXPECT_EQ(pixel.getSample(0).getValueUint8(), 7);
+}
+
 TEST_F(GRIMetadataPixelTest, APixelRecordThatIsNoVectorOrOfAnotherTypeIsBadFormat) {
   const std::vector<gr_uint32> shape = {1, 1};
   const std::vector<gr_uint8> value = {1};

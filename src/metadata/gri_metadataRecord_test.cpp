@@ -130,6 +130,10 @@ TEST(GRIMetadataRecordTest, WithoutDataTheValuesAre0) {
             (std::vector<std::string>{"", ""}));
 }
 
+TEST(GRIMetadataRecordTest, ANullTextIsAnEmptyOne) {
+  EXPECT_EQ(textsOf(recordOfTexts({"a", nullptr, "b"})), (std::vector<std::string>{"a", "", "b"}));
+}
+
 TEST(GRIMetadataRecordTest, ElementsAreCountedWithoutOverflow) {
   struct {
     Dims dims;
