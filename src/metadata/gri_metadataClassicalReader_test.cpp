@@ -83,7 +83,7 @@ TEST(GRIMetadataClassicalReaderTest, KeepsTheLaterOfTwoRecordsOfOneName) {
 }
 
 TEST(GRIMetadataClassicalReaderTest, KeepsTheOrderOfTheLastOnesOfMany) {
-  constexpr gr_uint32 COUNT = 20000;
+  constexpr gr_uint32 COUNT = 50000;
   Bytes block = begin();
   const auto add = [&block](gr_uint32 number, gr_uint32 value) {
     const Bytes record = recordOf(std::to_string(number), 3, 1, {1}, number32(value));

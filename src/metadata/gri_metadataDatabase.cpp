@@ -63,15 +63,15 @@ GR_STATUS GRIMetadataDatabase::add(const GRIMetadataDatabase& other) {
   return GR_STATUS_OK;
 }
 
-bool GRIMetadataDatabase::has(const char* tag) const { return find(tag) != NOT_FOUND; }
+bool GRIMetadataDatabase::has(const char* tag) const { return findSlot(tag) != NOT_FOUND; }
 
 bool GRIMetadataDatabase::has(gr_int32 tagNumber) const {
   return has(GRIMetadataUtilities::convertTagToString(tagNumber));
 }
 
 GR_STATUS GRIMetadataDatabase::get(const char* tag, const GRIMetadataRecord*& record) const {
-  const gr_uint32 place = find(tag);
-  record = place == NOT_FOUND ? nullptr : m_records[place].get();
+  const size_t slot = findSlot(tag);
+  record = slot == NOT_FOUND ? nullptr : m_records[m_slots[slot] - 1].get();
   return record != nullptr ? GR_STATUS_OK : GRI_STATUS_TAG_NOT_FOUND;
 }
 
@@ -80,9 +80,10 @@ GR_STATUS GRIMetadataDatabase::get(gr_int32 tagNumber, const GRIMetadataRecord*&
 }
 
 GR_STATUS GRIMetadataDatabase::remove(const char* tag) {
-  const gr_uint32 index = find(tag);
-  if (index == NOT_FOUND) return GRI_STATUS_TAG_NOT_FOUND;
-  m_records[index] = nullptr;
+  const size_t slot = findSlot(tag);
+  if (slot == NOT_FOUND) return GRI_STATUS_TAG_NOT_FOUND;
+  m_records[m_slots[slot] - 1] = nullptr;
+  leaveSlot(slot);
   // Closing the gaps at once would take time in proportion to all records, for each of them.
   if (++m_numGaps > m_count / 2) closeGaps();
   return GR_STATUS_OK;
@@ -144,16 +145,28 @@ gr_uint64 GRIMetadataDatabase::hashOf(const char* tag) const {
   return gri_tagHash(reinterpret_cast<uintptr_t>(m_slots.data()), SECOND_KEY, tag);
 }
 
-gr_uint32 GRIMetadataDatabase::find(const char* tag) const {
+size_t GRIMetadataDatabase::findSlot(const char* tag) const {
   if (tag == nullptr || m_count == 0) return NOT_FOUND;
   const size_t mask = m_slots.size() - 1;
   // At most half of the slots are taken, so an empty one ends the search.
   for (size_t slot = hashOf(tag) & mask; m_slots[slot] != 0; slot = (slot + 1) & mask) {
-    const gr_uint32 index = m_slots[slot] - 1;
-    const GRIMetadataRecord* const record = m_records[index].get();
-    if (record != nullptr && std::strcmp(record->getTagName(), tag) == 0) return index;
+    if (std::strcmp(m_records[m_slots[slot] - 1]->getTagName(), tag) == 0) return slot;
   }
   return NOT_FOUND;
+}
+
+/// Empties a slot, whose record is gone already. The slots behind it move up as far as a search for
+/// them allows: one that stayed marked would make each search for its tag longer.
+void GRIMetadataDatabase::leaveSlot(size_t slot) {
+  const size_t mask = m_slots.size() - 1;
+  for (size_t next = (slot + 1) & mask; m_slots[next] != 0; next = (next + 1) & mask) {
+    const size_t home = hashOf(m_records[m_slots[next] - 1]->getTagName()) & mask;
+    const bool isFoundFromSlot = ((next - home) & mask) >= ((next - slot) & mask);
+    if (!isFoundFromSlot) continue;
+    m_slots[slot] = m_slots[next];
+    slot = next;
+  }
+  m_slots[slot] = 0;
 }
 
 /// Makes room for `count` records, so that append can't fail.

@@ -59,12 +59,13 @@ class GRIMetadataDatabase {
   void sort();
 
  private:
-  static constexpr gr_uint32 NOT_FOUND = 0xFFFFFFFF;
+  static constexpr size_t NOT_FOUND = ~size_t{0};
 
-  gr_uint32 find(const char* tag) const;
+  size_t findSlot(const char* tag) const;
   GR_STATUS reserve(gr_uint64 count);
   void append(std::unique_ptr<GRIMetadataRecord> record);
   void enterSlot(gr_uint32 index);
+  void leaveSlot(size_t slot);
   void rebuildSlots();
 
   gr_uint64 hashOf(const char* tag) const;
@@ -73,5 +74,6 @@ class GRIMetadataDatabase {
   GRArray<std::unique_ptr<GRIMetadataRecord>> m_records;
   gr_uint32 m_count = 0;
   gr_uint32 m_numGaps = 0;
-  GRArray<gr_uint32> m_slots;  // hash table with open addressing: place of a record + 1, or 0
+  // Hash table with open addressing: the place of a record, from 1, or 0.
+  GRArray<gr_uint32> m_slots;
 };
