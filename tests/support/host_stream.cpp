@@ -17,6 +17,7 @@ struct HostStream::Callbacks {
   static gr_int32 open(void* user) {
     if (next(user) == HostFault::REFUSAL) return REFUSED;
     cursorOf(user).isOpen = true;
+    ++cursorOf(user).numOpenings;
     cursorOf(user).position = 0;
     return 0;
   }

@@ -40,6 +40,8 @@ class HostStream {
   /// Frees what belongs to the duplicates. A sanitizer sees who still uses them.
   void freeDuplicates() { m_cursors.resize(1); }
 
+  bool isOpen() const { return m_cursors.front()->isOpen; }              ///< without the duplicates
+  size_t numOpenings() const { return m_cursors.front()->numOpenings; }  ///< nor here
   size_t numOpen() const;  ///< streams that are open now, duplicates included
   bool wasUsedClosed() const { return m_wasUsedClosed; }  ///< by a read or a seek
   bool wasWritten() const { return m_wasWritten; }
@@ -50,6 +52,7 @@ class HostStream {
     gr_uint64 position = 0;
     bool isOpen = false;
     bool isEOF = false;
+    size_t numOpenings = 0;
   };
   struct Callbacks;
 
