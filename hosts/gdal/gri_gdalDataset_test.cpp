@@ -189,6 +189,20 @@ TEST(GRIGdalDatasetTest, AFailedDecodeIsAReadErrorWithTheLibrarysStatus) {
   EXPECT_NE(std::string(CPLGetLastErrorMsg()).find("invalid TG3 format [2005]"), std::string::npos);
 }
 
+TEST(GRIGdalDatasetTest, WhatIsLostIsNoDataInEveryType) {
+  for (gr_int32 type = GRIC_DATATYPE_UINT8; type <= GRIC_DATATYPE_SINT64; ++type) {
+    SCOPED_TRACE(type);
+    const Opened opened({.height = 300,
+                         .dataType = type,
+                         .damagedFrom = 128,
+                         .damagedTo = 129,
+                         .noData = {7, 8, 9},
+                         .noDataType = GRIC_DATATYPE_FLOAT64},
+                        {.keepGoing = true});
+    EXPECT_EQ(opened.read(3, 0, 128, 100, 1), std::vector<double>(100, 9));
+  }
+}
+
 TEST(GRIGdalDatasetTest, KeepingOnFillsWhatIsLost) {
   const Opened opened({.height = 300, .damagedFrom = 128, .damagedTo = 129}, {.keepGoing = true});
   EXPECT_EQ(opened.read(1, 0, 127, 100, 1), expected(0, 0, 127, 100, 1));

@@ -23,7 +23,7 @@ gr_uint32 firstPart(gr_uint32 start, gr_uint32 size, gr_uint32 unit) {
 
 gr_uint64 pixelsOf(const GRIHostWindow& window) { return gr_uint64{window.width} * window.height; }
 
-/// Writes `count` samples of `value` in the data type of the picture.
+/// Writes `count` samples of `value`, which is one, in the data type of the picture.
 void fillSamples(std::byte* samples, size_t count, gr_int32 dataType, double value) {
   const auto fill = [&](auto sample) {
     for (size_t i = 0; i < count; ++i)
@@ -46,8 +46,10 @@ void fillSamples(std::byte* samples, size_t count, gr_int32 dataType, double val
       return fill(static_cast<float>(value));
     case GRIC_DATATYPE_FLOAT64:
       return fill(value);
-    default:  // 64-bit integers, whose no-data value may not be what the double says
-      return fill(gr_int64{0});
+    case GRIC_DATATYPE_UINT64:
+      return fill(static_cast<gr_uint64>(value));
+    default:
+      return fill(static_cast<gr_int64>(value));
   }
 }
 
