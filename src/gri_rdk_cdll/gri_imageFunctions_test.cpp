@@ -215,6 +215,13 @@ TEST_F(ImageFunctionsTest, RefuseScenesThatTheImageCannotServe) {
   EXPECT_EQ(FakeStage::of(m_image).begins, 0);
 }
 
+TEST_F(ImageFunctionsTest, RoundTheEdgesOfARectangleHalvesUp) {
+  Bands bands(6);
+  EXPECT_EQ(gric_decode(m_image, 10.5, -0.5, 2.0, 3.0, 1.0, bands.pointers()), 0u);
+  EXPECT_EQ(bands.plane(1), expectedPlane(1, 11, 0, 2, 3));
+  EXPECT_EQ(gric_decode(m_image, 10.1, 0, 0.3, 3, 1.0, bands.pointers()), 50012u);  // no column
+}
+
 TEST_F(ImageFunctionsTest, HandTheStatusOfTheStageThroughAndStayUsable) {
   Bands bands(4);
   FakeStage::of(m_image).stripStatus = 51204;

@@ -48,7 +48,7 @@ class HostStream {
 
  private:
   struct Cursor {
-    HostStream* host;
+    HostStream* host = nullptr;
     gr_uint64 position = 0;
     bool isOpen = false;
     bool isEOF = false;
