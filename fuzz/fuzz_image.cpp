@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <memory>
 #include <vector>
 
 namespace fuzz {
@@ -96,77 +97,6 @@ MemoryFile::MemoryFile(std::span<const std::uint8_t> bytes) {
 }
 
 MemoryFile::~MemoryFile() { close(m_descriptor); }
-
-/// The data, and the positions of all streams on it (the library never frees a user pointer that
-/// `duplicate` made, so they are kept here).
-struct MemoryStream::Shared {
-  struct Cursor {
-    Shared* shared;
-    std::size_t position = 0;
-    bool open = false;
-    bool eof = false;
-  };
-  std::span<const std::uint8_t> bytes;
-  std::vector<std::unique_ptr<Cursor>> cursors;
-
-  Cursor* add() {
-    cursors.push_back(std::make_unique<Cursor>(Cursor{this}));
-    return cursors.back().get();
-  }
-};
-
-namespace {
-
-using Cursor = MemoryStream::Shared::Cursor;
-Cursor& cursor(void* user) { return *static_cast<Cursor*>(user); }
-
-gr_int32 openCursor(void* user) {
-  cursor(user).open = true;
-  cursor(user).position = 0;
-  return 0;
-}
-gr_int32 closeCursor(void* user) {
-  cursor(user).open = false;
-  return 0;
-}
-gr_uint32 readCursor(void* user, gr_uint8* buffer, gr_uint32 length) {
-  Cursor& c = cursor(user);
-  const std::size_t size = c.shared->bytes.size();
-  const std::size_t left = c.position < size ? size - c.position : 0;
-  const std::size_t n = std::min<std::size_t>(left, length);
-  if (n > 0) std::memcpy(buffer, c.shared->bytes.data() + c.position, n);
-  c.position += n;
-  c.eof = n < length;
-  return static_cast<gr_uint32>(n);
-}
-gr_uint32 writeCursor(void*, const gr_uint8*, gr_uint32) { return 0; }
-gr_int32 seekCursor(void* user, gr_int64 offset, gr_int32 origin) {
-  Cursor& c = cursor(user);
-  gr_int64 base = 0;
-  if (origin == GRIC_SEEK_CURRENT) base = static_cast<gr_int64>(c.position);
-  if (origin == GRIC_SEEK_END) base = static_cast<gr_int64>(c.shared->bytes.size());
-  gr_int64 target = 0;
-  if (__builtin_add_overflow(base, offset, &target) || target < 0) return 1;
-  c.position = static_cast<std::size_t>(target);
-  c.eof = false;
-  return 0;
-}
-gr_int64 tellCursor(void* user) { return static_cast<gr_int64>(cursor(user).position); }
-gr_uint8 isEofCursor(void* user) { return cursor(user).eof ? 1 : 0; }
-gr_uint8 isOpenCursor(void* user) { return cursor(user).open ? 1 : 0; }
-void* duplicateCursor(void* user) { return cursor(user).shared->add(); }
-
-}  // namespace
-
-MemoryStream::MemoryStream(std::span<const std::uint8_t> bytes)
-    : m_shared(std::make_unique<Shared>()) {
-  m_shared->bytes = bytes;
-  m_stream.reset(gr_ioCallbackStreamCreate(openCursor, closeCursor, readCursor, writeCursor,
-                                           seekCursor, tellCursor, isEofCursor, isOpenCursor,
-                                           duplicateCursor, m_shared->add()));
-}
-
-MemoryStream::~MemoryStream() = default;
 
 void exercise(gric_image image) {
   if (gric_getWidth(image) == 0 || gric_getHeight(image) == 0) std::abort();

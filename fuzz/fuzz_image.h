@@ -1,13 +1,12 @@
 /// @file
-/// What every fuzz target does with bytes: make them a file or a stream, open it through the
-/// exported functions, ask everything, decode a little.
+/// What every fuzz target does with bytes: make them a file, open it through the exported
+/// functions, ask everything, decode a little.
 #pragma once
 
 #include <gri_rdk_cdll.h>
 
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 #include <span>
 #include <string>
 
@@ -26,29 +25,6 @@ class MemoryFile {
  private:
   int m_descriptor = -1;
   std::string m_path;
-};
-
-struct StreamDestroyer {
-  void operator()(gr_ioCStream stream) const { gr_ioCStreamDestroy(stream); }
-};
-using Stream = std::unique_ptr<std::remove_pointer_t<gr_ioCStream>, StreamDestroyer>;
-
-/// A callback stream over `bytes`, which must outlive it. Its user objects are freed when the
-/// library closes them for the last time or the process ends.
-class MemoryStream {
- public:
-  explicit MemoryStream(std::span<const std::uint8_t> bytes);
-  ~MemoryStream();
-  MemoryStream(const MemoryStream&) = delete;
-  MemoryStream& operator=(const MemoryStream&) = delete;
-
-  gr_ioCStream get() const { return m_stream.get(); }
-
-  struct Shared;
-
- private:
-  std::unique_ptr<Shared> m_shared;
-  Stream m_stream;
 };
 
 /// Asks an open image everything that the interface offers, decodes small windows at several

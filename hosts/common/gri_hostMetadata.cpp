@@ -1,9 +1,11 @@
 #include "hosts/common/gri_hostMetadata.h"
 
 #include <array>
+#include <charconv>
 #include <cstdio>
 #include <cstring>
 #include <string_view>
+#include <system_error>
 
 namespace {
 
@@ -97,9 +99,15 @@ std::string GRIHostRecord::words(size_t index) const {
     default:
       break;
   }
+  return gri_hostNumberWords(number(index));
+}
+
+std::string gri_hostNumberWords(double number) {
+  constexpr int DIGITS = 12;
   std::array<char, 40> words{};
-  std::snprintf(words.data(), words.size(), "%.12g", number(index));
-  return words.data();
+  const auto [end, error] = std::to_chars(words.data(), words.data() + words.size(), number,
+                                          std::chars_format::general, DIGITS);
+  return error == std::errc() ? std::string(words.data(), end) : std::string();
 }
 
 const char* gri_hostMetadataTypeName(gr_int32 dataType) {

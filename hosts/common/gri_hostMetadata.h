@@ -30,6 +30,10 @@ struct GRIHostRecord {
   std::string words(size_t index) const;
 };
 
+/// A number for people, of 12 significant digits, with a decimal point in every locale: "0.1",
+/// "1e+20", "nan".
+std::string gri_hostNumberWords(double number);
+
 /// "uint8", "float64", "text" ...
 const char* gri_hostMetadataTypeName(gr_int32 dataType);
 

@@ -3,6 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <limits>
+
+#include "tests/support/gri_commaLocale.h"
 
 TEST(GRIHostMetadataTest, ValuesOfEveryTypeReadAsNumbers) {
   const auto numberOf = [](gr_int32 type, const void* data) {
@@ -40,6 +43,21 @@ TEST(GRIHostMetadataTest, WordsKeepAllDigitsOfIntegers) {
   EXPECT_EQ(words(GRIC_METADATA_DATATYPE_UINT32, &plain), "4294967295");
   EXPECT_EQ(words(GRIC_METADATA_DATATYPE_FLOAT64, &fraction), "0.1");
   EXPECT_EQ(words(GRIC_METADATA_DATATYPE_ASCII, &text), "some text");
+}
+
+TEST(GRIHostMetadataTest, NumbersHaveTwelveDigitsAndAPointInEveryLocale) {
+  const auto expectWords = [] {
+    EXPECT_EQ(gri_hostNumberWords(0.1), "0.1");
+    EXPECT_EQ(gri_hostNumberWords(-2.0 / 3), "-0.666666666667");
+    EXPECT_EQ(gri_hostNumberWords(500000.25), "500000.25");
+    EXPECT_EQ(gri_hostNumberWords(1e20), "1e+20");
+    EXPECT_EQ(gri_hostNumberWords(std::numeric_limits<double>::quiet_NaN()), "nan");
+    EXPECT_EQ(gri_hostNumberWords(-std::numeric_limits<double>::infinity()), "-inf");
+  };
+  expectWords();
+  const GRICommaLocale locale;
+  if (!locale.isSet()) GTEST_SKIP() << "needs localedef";
+  expectWords();
 }
 
 TEST(GRIHostMetadataTest, WhatIsNoUtf8IsTakenAsLatin1) {

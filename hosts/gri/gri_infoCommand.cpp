@@ -3,12 +3,11 @@
 #include <cpl_error.h>
 #include <ogr_spatialref.h>
 
-#include <array>
 #include <cmath>
-#include <cstdio>
 #include <ostream>
 
 #include "hosts/common/gri_hostJson.h"
+#include "hosts/common/gri_hostMetadata.h"
 #include "hosts/gri/gri_errorText.h"
 #include "hosts/gri/gri_exitCodes.h"
 #include "hosts/gri/gri_inputFile.h"
@@ -40,14 +39,8 @@ CrsWords crsWords(const std::string& wkt) {
   return words;
 }
 
-std::string numberWords(double number) {
-  std::array<char, 40> text{};
-  std::snprintf(text.data(), text.size(), "%.12g", number);
-  return text.data();
-}
-
 std::string pairWords(double first, double second) {
-  return numberWords(first) + ", " + numberWords(second);
+  return gri_hostNumberWords(first) + ", " + gri_hostNumberWords(second);
 }
 
 /// "1/8" for an eighth, "2" for the double, "2^127" for the 127th one.
@@ -57,8 +50,9 @@ std::string magnificationWords(double magnification) {
     return "2^" + std::to_string(exponent - 1);
   }
   const double inverse = 1 / magnification;
-  if (magnification < 1 && inverse == std::floor(inverse)) return "1/" + numberWords(inverse);
-  return numberWords(magnification);
+  if (magnification < 1 && inverse == std::floor(inverse))
+    return "1/" + gri_hostNumberWords(inverse);
+  return gri_hostNumberWords(magnification);
 }
 
 std::string sizeWords(gr_uint32 width, gr_uint32 height) {
@@ -213,7 +207,7 @@ std::string gri_describe(const GRIHostImage& image, const GRITerminal& terminal)
   if (!info.noData.empty()) {
     std::string values;
     for (const double value : info.noData)
-      values += (values.empty() ? "" : ", ") + numberWords(value);
+      values += (values.empty() ? "" : ", ") + gri_hostNumberWords(value);
     sheet.line("No data", values);
   }
   describeMagnifications(info, sheet);
