@@ -39,7 +39,7 @@ class Damaged : public GRIODynamicMemStream {
     EXPECT_EQ(initialize(16, 1.5F), GR_STATUS_OK);
     EXPECT_EQ(open(), GR_STATUS_OK);
     EXPECT_EQ(write(bytes.data(), static_cast<gr_uint32>(bytes.size())), bytes.size());
-    EXPECT_EQ(seek(0, GRIO_SEEK_BEGIN), GR_STATUS_OK);
+    EXPECT_EQ(GRIODynamicMemStream::seek(0, GRIO_SEEK_BEGIN), GR_STATUS_OK);
   }
   gr_uint32 read(gr_uint8* buffer, gr_uint32 length) override {
     const auto left = static_cast<gr_uint32>(std::max<gr_int64>(m_place - tell(), 0));
