@@ -1,4 +1,6 @@
 // Images with absent blocks and pad pixels, and what shows there.
+#include <array>
+
 #include "image/gri_pixel.h"
 #include "tests/support/nitf_rawReaderTest.h"
 
@@ -33,9 +35,9 @@ TEST_F(NITFMaskedImagesTest, EntriesMayPointToAnyPlaceInTheData) {
   const NITFTestPixels pixels = {.numCols = 8, .numRows = 8, .blockCols = 4, .blockRows = 4};
   const std::string data = pixels.allBlocks();
   // Out of order, overlapping, twice the same, and the last place of all.
-  const std::string places = {33, 7, 7, 48};
+  const std::array<gr_uint8, 4> places = {33, 7, 7, 48};
   NITFTestSegment segment = nitfTestMaskedImage(NITF_TEST_21, pixels, {});
-  for (size_t i = 0; i < 4; ++i) segment.data[10 + 4 * i + 3] = places[i];
+  for (size_t i = 0; i < 4; ++i) segment.data[10 + 4 * i + 3] = static_cast<char>(places[i]);
   for (const gr_uint64 cacheBytes : {NITFRawBlockReader::CACHE_BYTES, gr_uint64{10}}) {
     ASSERT_EQ(openImage(segment), GR_STATUS_OK);
     blockReader().setCacheBytes(cacheBytes);
@@ -43,7 +45,7 @@ TEST_F(NITFMaskedImagesTest, EntriesMayPointToAnyPlaceInTheData) {
     ASSERT_EQ(decode(bands), GR_STATUS_OK);
     for (size_t row = 0; row < 8; ++row) {
       for (size_t col = 0; col < 8; ++col) {
-        const auto block = static_cast<size_t>(places[row / 4 * 2 + col / 4]);
+        const size_t block = places[row / 4 * 2 + col / 4];
         EXPECT_EQ(bands[0][row * 8 + col],
                   static_cast<gr_uint8>(data[block + row % 4 * 4 + col % 4]));
       }

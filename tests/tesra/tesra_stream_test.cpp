@@ -9,12 +9,13 @@
 namespace {
 
 class TesraStreamTest : public testing::Test {
- protected:
+ public:
   ~TesraStreamTest() override {
     EXPECT_FALSE(m_host.wasUsedClosed());
     EXPECT_FALSE(m_host.wasWritten());
   }
 
+ protected:
   GR_STATUS decode(gric_image image, gr_uint32 row, gr_uint32 numRows) {
     m_samples.assign(size_t{m_image.width} * numRows, 0);
     void* band = m_samples.data();
