@@ -257,6 +257,8 @@ int main(int argc, char** argv) {
       {"blocked 256 x 256, R", {cols, rows, 3, 256, 256, 'R'}, BLOCKED},
       {"blocked 256 x 256, S", {cols, rows, 3, 256, 256, 'S'}, BLOCKED},
       {"blocked 1024 x 1024, P", {cols, rows, 3, 1024, 1024, 'P'}, BLOCKED},
+      {"blocked 1024 x 1024, B", {cols, rows, 3, 1024, 1024, 'B'}, BLOCKED},
+      {"blocked 1024 x 1024, S", {cols, rows, 3, 1024, 1024, 'S'}, BLOCKED},
       {"unblocked, P", {cols, rows, 3, cols, rows, 'P'}, UNBLOCKED},
       {"unblocked, B", {cols, rows, 3, cols, rows, 'B'}, UNBLOCKED},
       {"unblocked, R", {cols, rows, 3, cols, rows, 'R'}, UNBLOCKED},
